@@ -1,0 +1,27 @@
+# Compiler settings shared by every target of the project.
+
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_library(tavch_warnings INTERFACE)
+target_compile_options(tavch_warnings INTERFACE -Wall -Wextra -Wconversion)
+if(TAVCH_WERROR)
+  target_compile_options(tavch_warnings INTERFACE -Werror)
+endif()
+
+if(TAVCH_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+# The library proper: no exceptions, no RTTI, nothing visible but the exports.
+add_library(tavch_library_flags INTERFACE)
+target_compile_options(tavch_library_flags INTERFACE
+  -fvisibility=hidden
+  $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fvisibility-inlines-hidden>)
+target_link_libraries(tavch_library_flags INTERFACE tavch_warnings)

@@ -1,0 +1,20 @@
+# Derives the DLL's module definition file and the plain list of exports ("ordinal name" per line)
+# from the one export list in src/frame/exports.def.
+
+set(TAVCH_EXPORT_LIST ${CMAKE_CURRENT_SOURCE_DIR}/src/frame/exports.def)
+set(TAVCH_MODULE_DEFINITION ${CMAKE_CURRENT_BINARY_DIR}/tavch.def)
+set(TAVCH_EXPORT_NAMES ${CMAKE_CURRENT_BINARY_DIR}/exports.txt)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${TAVCH_EXPORT_LIST})
+
+file(STRINGS ${TAVCH_EXPORT_LIST} lines REGEX "^TAV_EXPORT\\(")
+set(definition "LIBRARY \"tavch-${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.dll\"\nEXPORTS\n")
+set(names "")
+foreach(line IN LISTS lines)
+  if(NOT line MATCHES "^TAV_EXPORT\\(([0-9]+), [^,]+, ([A-Za-z0-9_]+), ")
+    message(FATAL_ERROR "Unreadable line in ${TAVCH_EXPORT_LIST}: ${line}")
+  endif()
+  string(APPEND definition "    ${CMAKE_MATCH_2} @${CMAKE_MATCH_1}\n")
+  string(APPEND names "${CMAKE_MATCH_1} ${CMAKE_MATCH_2}\n")
+endforeach()
+file(CONFIGURE OUTPUT ${TAVCH_MODULE_DEFINITION} CONTENT "${definition}" @ONLY)
+file(CONFIGURE OUTPUT ${TAVCH_EXPORT_NAMES} CONTENT "${names}" @ONLY)

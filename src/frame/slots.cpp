@@ -1,0 +1,16 @@
+// Fills the export table: each slot holds the address of its one implementation.
+#include "frame/slots.h"
+
+#include "frame/version.h"
+
+namespace tav {
+
+constinit ExportSlots exportSlots = {
+#define TAV_EXPORT(ordinal, result, name, parameters, arguments, implementation) implementation,
+#define TAV_VACANT(ordinal) nullptr,
+#include "frame/exports.def"
+#undef TAV_EXPORT
+#undef TAV_VACANT
+};
+
+} // namespace tav

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "tavch.h"
+
+namespace tav {
+
+const tavVersionRecord* getLibVersion();
+
+} // namespace tav
