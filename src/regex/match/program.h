@@ -67,12 +67,6 @@ struct Instruction {
 
 static_assert(sizeof(Instruction) == 24 && offsetof(Instruction, text) == 16);
 
-/// A pair of code points (first, last) of an OP_ULIST.
-struct CodePointRange {
-    uint32_t first;
-    uint32_t last;
-};
-
 enum Option : uint32_t {
     optionDotAll = 0x01,    // "s"
     optionMultiLine = 0x02, // "m"

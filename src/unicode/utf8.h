@@ -1,0 +1,43 @@
+// Decodes one UTF-8 sequence, of up to six bytes, by the rules that patterns and conversions share: a
+// sequence must be complete, its continuation bytes well formed, and the form the shortest for its value.
+// Surrogates and values above U+10FFFF are not refused. What a malformed byte means is the caller's business.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+namespace tav::unicode {
+
+struct Utf8Sequence {
+    uint32_t value; // the code point; of a malformed sequence the byte at its start
+    int32_t length; // bytes consumed; 1 when malformed
+    bool malformed;
+};
+
+/// The number of bytes of the shortest form of `value` (below 2^31).
+constexpr int32_t utf8Length(uint32_t value) {
+    return value <= 0x7F        ? 1
+           : value <= 0x7FF     ? 2
+           : value <= 0xFFFF    ? 3
+           : value <= 0x1FFFFF  ? 4
+           : value <= 0x3FFFFFF ? 5
+                                : 6;
+}
+
+/// The sequence at `p`, which lies before `end`; nothing at or behind `end` is read.
+constexpr Utf8Sequence decodeUtf8(const uint8_t* p, const uint8_t* end) {
+    const uint8_t lead = *p;
+    if (lead < 0x80) return {lead, 1, false};
+    const Utf8Sequence malformed = {lead, 1, true};
+    const int length = std::countl_one(lead);
+    if (length < 2 || length > 6 || end - p < length) return malformed;
+    uint32_t value = lead & (0x7Fu >> length);
+    for (int i = 1; i < length; ++i) {
+        if ((p[i] & 0xC0) != 0x80) return malformed;
+        value = value << 6 | (p[i] & 0x3Fu);
+    }
+    if (utf8Length(value) != length) return malformed;
+    return {value, length, false};
+}
+
+} // namespace tav::unicode
