@@ -110,22 +110,23 @@ const tavVersionRecord* tavchGetLibVersion(void);
  * A search writes into the work area: one search at a time per pattern, distinct patterns are independent.
  */
 typedef struct tavRegExpContext {
-    uint32_t tag;             /**< 0x78456772 once the pattern's structure has been accepted */
-    uint32_t options;         /**< option bits in force at the pattern's start: 1 "s", 2 "m", 4 "i", 8 "x", 16 "g" */
-    int32_t codeLength;       /**< number of instructions of the program */
-    int32_t groupCount;       /**< number of capturing groups plus one: slot 0 is the whole match */
-    int32_t lastLiteral;      /**< index of the instruction with the required final literal; -1 none,
-                                   -2 none because of a top-level alternation */
-    int32_t matchLimit;       /**< depth budget of a search, 10000 after compilation */
-    int32_t format;           /**< 1 (after compilation): start positions advance by whole UTF-8 characters; 0: by bytes */
-    int32_t searchHint;       /**< 1: starts with a literal; 2: a list of literal alternatives; 0: anything else */
-    uint64_t workArea[6000];  /**< private to the search */
+    uint32_t tag;     /**< 0x78456772 once the pattern's structure has been accepted */
+    uint32_t options; /**< option bits in force at the pattern's start: 1 "s", 2 "m", 4 "i", 8 "x", 16 "g" */
+    int32_t codeLength;  /**< number of instructions of the program */
+    int32_t groupCount;  /**< number of capturing groups plus one: slot 0 is the whole match */
+    int32_t lastLiteral; /**< index of the instruction with the required final literal; -1 none,
+                              -2 none because of a top-level alternation */
+    int32_t matchLimit;  /**< depth budget of a search, 10000 after compilation */
+    int32_t
+        format; /**< 1 (after compilation): start positions advance by whole UTF-8 characters; 0: by bytes */
+    int32_t searchHint; /**< 1: starts with a literal; 2: a list of literal alternatives; 0: anything else */
+    uint64_t workArea[6000]; /**< private to the search */
 } tavRegExpContext;
 
 /** One result of a search: element 0 is the whole match, element i the i-th capturing group. */
 typedef struct tavRegExpFindResult {
-    const uint8_t* start;  /**< first byte inside the subject; null for a group that took no part */
-    int32_t length;        /**< length in bytes; -1 for a group that took no part in the match */
+    const uint8_t* start; /**< first byte inside the subject; null for a group that took no part */
+    int32_t length;       /**< length in bytes; -1 for a group that took no part in the match */
 } tavRegExpFindResult;
 
 #ifdef __cplusplus
