@@ -117,9 +117,9 @@ typedef struct tavRegExpContext {
     int32_t lastLiteral; /**< index of the instruction with the required final literal; -1 none,
                               -2 none because of a top-level alternation */
     int32_t matchLimit;  /**< depth budget of a search, 10000 after compilation */
-    int32_t
-        format; /**< 1 (after compilation): start positions advance by whole UTF-8 characters; 0: by bytes */
-    int32_t searchHint; /**< 1: starts with a literal; 2: a list of literal alternatives; 0: anything else */
+    int32_t format;      /**< 1 (after compilation): start positions advance by whole UTF-8 characters;
+                              0: by bytes */
+    int32_t searchHint;  /**< 1: starts with a literal; 2: a list of literal alternatives; 0: anything else */
     uint64_t workArea[6000]; /**< private to the search */
 } tavRegExpContext;
 
