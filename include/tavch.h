@@ -99,6 +99,172 @@ typedef struct tavVersionRecord {
 const tavVersionRecord* tavchGetLibVersion(void);
 
 /* ------------------------------------------------------------------------------------------------------- */
+/* Comparison                                                                                              */
+
+/**
+ * Compares two strings of one length, element by element.
+ *
+ * @param pSrc1    first string
+ * @param pSrc2    second string
+ * @param len      number of elements compared; both strings have at least this many
+ * @param pResult  receives 0 when all elements are equal, else pSrc1[i] - pSrc2[i] at the first index i that
+ *                 differs, both elements taken as unsigned: -255 to 255
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ * @note   *pResult is written on success only. An empty comparison (len 0) gives 0.
+ *
+ *     int32_t order;
+ *     tavsCompare_8u(key1, key2, keyLength, &order);   // order < 0: key1 sorts before key2
+ */
+tavStatus tavsCompare_8u(const uint8_t* pSrc1, const uint8_t* pSrc2, int32_t len, int32_t* pResult);
+/** tavsCompare_8u for 16-bit units; the difference lies in -65535 to 65535. Orders by code unit. */
+tavStatus tavsCompare_16u(const uint16_t* pSrc1, const uint16_t* pSrc2, int32_t len, int32_t* pResult);
+
+/**
+ * Compares two strings like tavsCompare_8u, but takes A to Z and a to z as equal.
+ *
+ * Folding turns the 26 letters A to Z into lower case and changes nothing else: accented letters and all
+ * other values above 127 compare as they are. Since both sides fold to lower case, an upper-case letter
+ * sorts behind the six characters between Z and a ("A" sorts after "_").
+ *
+ * @param pSrc1    first string
+ * @param pSrc2    second string
+ * @param len      number of elements compared; both strings have at least this many
+ * @param pResult  receives 0 when the folded strings are equal, else the difference of the folded elements at
+ *                 the first index at which these differ
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ * @note   *pResult is written on success only.
+ */
+tavStatus tavsCompareIgnoreCaseLatin_8u(const uint8_t* pSrc1, const uint8_t* pSrc2, int32_t len, int32_t* pResult);
+/** tavsCompareIgnoreCaseLatin_8u for 16-bit units. tavsCompareIgnoreCase_16u knows the case of all letters. */
+tavStatus tavsCompareIgnoreCaseLatin_16u(const uint16_t* pSrc1, const uint16_t* pSrc2, int32_t len,
+                                         int32_t* pResult);
+
+/**
+ * Tells whether two strings of one length are equal.
+ *
+ * @param pSrc1    first string
+ * @param pSrc2    second string
+ * @param len      number of elements compared; both strings have at least this many
+ * @param pResult  receives 1 when all elements are equal (also for len 0), else 0
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ * @note   *pResult is written on success only.
+ */
+tavStatus tavsEqual_8u(const uint8_t* pSrc1, const uint8_t* pSrc2, int32_t len, uint32_t* pResult);
+/** tavsEqual_8u for 16-bit units. */
+tavStatus tavsEqual_16u(const uint16_t* pSrc1, const uint16_t* pSrc2, int32_t len, uint32_t* pResult);
+
+/* ------------------------------------------------------------------------------------------------------- */
+/* Search                                                                                                  */
+
+/*
+ * All searches report a position through pIndex, -1 when there is none; "not found" is tavStsNoError.
+ * *pIndex is left as it was when an argument is refused. The cost of every search is linear in the lengths,
+ * whatever the strings hold (for a set: length of the text times length of the set at worst).
+ */
+
+/**
+ * Finds the first occurrence of a string inside another.
+ *
+ * @param pSrc     string searched
+ * @param len      its length
+ * @param pFind    string sought
+ * @param lenFind  its length
+ * @param pIndex   receives the start of the first occurrence, or -1
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len or lenFind is negative;
+ *         tavStsNoError, found or not.
+ * @note   An empty string (lenFind 0) occurs nowhere: the answer is -1, not 0.
+ *
+ *     int32_t at;
+ *     tavsFind_8u(text, textLength, (const uint8_t*)"://", 3, &at);
+ *     if (at >= 0) schemeLength = at;
+ */
+tavStatus tavsFind_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pFind, int32_t lenFind, int32_t* pIndex);
+/** tavsFind_8u for 16-bit units. */
+tavStatus tavsFind_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pFind, int32_t lenFind, int32_t* pIndex);
+
+/**
+ * Finds the last occurrence of a string inside another: arguments and statuses of tavsFind_8u, and pIndex
+ * receives the highest start of an occurrence ("aa" in "aaa": 1), or -1.
+ */
+tavStatus tavsFindRev_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pFind, int32_t lenFind, int32_t* pIndex);
+/** tavsFindRev_8u for 16-bit units. */
+tavStatus tavsFindRev_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pFind, int32_t lenFind,
+                          int32_t* pIndex);
+
+/**
+ * Finds the first occurrence of a zero-terminated string inside another.
+ *
+ * @param pSrcZ   string searched, up to its first zero element
+ * @param pFindZ  string sought, up to its first zero element
+ * @param pIndex  receives the start of the first occurrence, or -1 (also when pFindZ is empty)
+ * @return tavStsNullPointer: a pointer is null; tavStsNoError, found or not.
+ * @note   The whole 16-byte aligned blocks that hold the strings may be read. A string has fewer than 2^31
+ *         elements.
+ */
+tavStatus tavsFind_Z_8u(const uint8_t* pSrcZ, const uint8_t* pFindZ, int32_t* pIndex);
+/** tavsFind_Z_8u for 16-bit units, aligned to 2 bytes. Only a whole zero unit terminates. */
+tavStatus tavsFind_Z_16u(const uint16_t* pSrcZ, const uint16_t* pFindZ, int32_t* pIndex);
+
+/**
+ * Finds the first element with a given value.
+ *
+ * @param pSrc     string searched
+ * @param len      its length
+ * @param valFind  element sought
+ * @param pIndex   receives the index of the first such element, or -1
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError, found
+ *         or not.
+ */
+tavStatus tavsFindC_8u(const uint8_t* pSrc, int32_t len, uint8_t valFind, int32_t* pIndex);
+/** tavsFindC_8u for 16-bit units. */
+tavStatus tavsFindC_16u(const uint16_t* pSrc, int32_t len, uint16_t valFind, int32_t* pIndex);
+
+/** Finds the last element with a given value: arguments and statuses of tavsFindC_8u. */
+tavStatus tavsFindRevC_8u(const uint8_t* pSrc, int32_t len, uint8_t valFind, int32_t* pIndex);
+/** tavsFindRevC_8u for 16-bit units. */
+tavStatus tavsFindRevC_16u(const uint16_t* pSrc, int32_t len, uint16_t valFind, int32_t* pIndex);
+
+/**
+ * Finds the first element with a given value in a zero-terminated string.
+ *
+ * @param pSrcZ    string searched, up to its first zero element
+ * @param valFind  element sought; 0 asks for the terminator, so that the answer is the string's length
+ * @param pIndex   receives the index, or -1
+ * @return tavStsNullPointer: a pointer is null; tavStsNoError, found or not.
+ * @warning With valFind 0 the pointer pIndex is not tested: it must be valid.
+ * @note   The whole 16-byte aligned blocks that hold the string may be read.
+ */
+tavStatus tavsFindC_Z_8u(const uint8_t* pSrcZ, uint8_t valFind, int32_t* pIndex);
+/** tavsFindC_Z_8u for 16-bit units, aligned to 2 bytes. Only a whole zero unit terminates. */
+tavStatus tavsFindC_Z_16u(const uint16_t* pSrcZ, uint16_t valFind, int32_t* pIndex);
+
+/**
+ * Finds the first element that is in a set.
+ *
+ * @param pSrc      string searched
+ * @param len       its length
+ * @param pAnyOf    the set: its elements in any order, duplicates allowed
+ * @param lenAnyOf  number of elements in pAnyOf; an empty set has no members
+ * @param pIndex    receives the index of the first member found, or -1
+ * @return tavStsNullPointer: a pointer is null (pAnyOf also when lenAnyOf is 0); tavStsNegativeLength: len or
+ *         lenAnyOf is negative; tavStsNoError, found or not.
+ *
+ *     tavsFindCAny_8u(line, lineLength, (const uint8_t*)" \t\r\n", 4, &endOfWord);
+ */
+tavStatus tavsFindCAny_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pAnyOf, int32_t lenAnyOf,
+                          int32_t* pIndex);
+/** tavsFindCAny_8u for 16-bit units. */
+tavStatus tavsFindCAny_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pAnyOf, int32_t lenAnyOf,
+                           int32_t* pIndex);
+
+/** Finds the last element that is in a set: arguments and statuses of tavsFindCAny_8u. */
+tavStatus tavsFindRevCAny_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pAnyOf, int32_t lenAnyOf,
+                             int32_t* pIndex);
+/** tavsFindRevCAny_8u for 16-bit units. */
+tavStatus tavsFindRevCAny_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pAnyOf, int32_t lenAnyOf,
+                              int32_t* pIndex);
+
+/* ------------------------------------------------------------------------------------------------------- */
 /* Regular expressions: the objects                                                                        */
 
 /**

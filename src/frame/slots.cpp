@@ -2,6 +2,8 @@
 #include "frame/slots.h"
 
 #include "frame/version.h"
+#include "strings/compare.h"
+#include "strings/find.h"
 
 namespace tav {
 

@@ -1,0 +1,131 @@
+// The inner workings of substring search: the two-way algorithm by itself, and texts that defeat anchors.
+#include "strings/find.h"
+#include "strings/substring.h"
+#include "strings/support.h"
+
+#include <chrono>
+
+using namespace tavtest;
+using tav::Way;
+
+namespace {
+
+template <class E>
+class SubstringTest : public ::testing::Test {};
+TYPED_TEST_SUITE(SubstringTest, Elements);
+
+} // namespace
+
+TYPED_TEST(SubstringTest, TwoWayAgreesWithThePlainLoopOnAllSmallTexts) {
+    using E = TypeParam;
+    // All texts of length 0 to 8 over two letters, all needles of length 1 to 5.
+    const auto spell = [](uint32_t bits, int32_t count) {
+        std::vector<E> elements(static_cast<std::size_t>(count));
+        for (int32_t i = 0; i < count; ++i) {
+            elements[static_cast<std::size_t>(i)] = static_cast<E>('a' + (bits >> i & 1));
+        }
+        return elements;
+    };
+    for (int32_t lenFind = 1; lenFind <= 5; ++lenFind) {
+        for (uint32_t needleBits = 0; needleBits < 1U << lenFind; ++needleBits) {
+            const auto needle = spell(needleBits, lenFind);
+            for (int32_t len = lenFind; len <= 8; ++len) {
+                for (uint32_t bits = 0; bits < 1U << len; ++bits) {
+                    const auto src = spell(bits, len);
+                    ASSERT_EQ(tav::two_way::search<Way::forward>(src.data(), len, needle.data(), lenFind),
+                              tav::plain::indexOf(src.data(), len, needle.data(), lenFind));
+                    ASSERT_EQ(tav::two_way::search<Way::backward>(src.data(), len, needle.data(), lenFind),
+                              tav::plain::lastIndexOf(src.data(), len, needle.data(), lenFind));
+                }
+            }
+        }
+    }
+}
+
+TYPED_TEST(SubstringTest, TwoWayAgreesWithThePlainLoopOnPeriodicTexts) {
+    using E = TypeParam;
+    Random random(6);
+    for (int round = 0; round < 3000; ++round) {
+        const auto period = random.text<E>(1 + random.below(6), 2, 'a');
+        std::vector<E> src(50 + random.below(200));
+        for (std::size_t i = 0; i < src.size(); ++i) {
+            src[i] = period[i % period.size()];
+        }
+        src[random.below(static_cast<uint32_t>(src.size()))] = 'c';
+        const std::size_t count = 1 + random.below(40),
+                          from = random.below(static_cast<uint32_t>(src.size() - count));
+        std::vector<E> needle(src.begin() + static_cast<std::ptrdiff_t>(from),
+                              src.begin() + static_cast<std::ptrdiff_t>(from + count));
+        if (round % 3 == 0) needle[random.below(static_cast<uint32_t>(count))] = 'a';
+        ASSERT_EQ(tav::two_way::search<Way::forward>(src.data(), length(src), needle.data(), length(needle)),
+                  tav::plain::indexOf(src.data(), length(src), needle.data(), length(needle)));
+        ASSERT_EQ(tav::two_way::search<Way::backward>(src.data(), length(src), needle.data(), length(needle)),
+                  tav::plain::lastIndexOf(src.data(), length(src), needle.data(), length(needle)));
+    }
+}
+
+TYPED_TEST(SubstringTest, TheAnchorsAreTwoRareDifferentElements) {
+    using E = TypeParam;
+    const auto needle = text<E>("the quick one");
+    const tav::substring::Anchors anchors = tav::substring::rarestAnchors(needle.data(), length(needle));
+    EXPECT_EQ(needle[static_cast<std::size_t>(anchors.first)], 'q');
+    EXPECT_EQ(needle[static_cast<std::size_t>(anchors.second)], 'k');
+}
+
+TYPED_TEST(SubstringTest, AnchorsAreInsideTheNeedleAndApart) {
+    using E = TypeParam;
+    Random random(7);
+    for (int round = 0; round < 5000; ++round) {
+        const auto needle =
+            random.text<E>(2 + random.below(round % 5 == 0 ? 500 : 20), 1 + random.below(3), 'a');
+        const auto [first, second] = tav::substring::rarestAnchors(needle.data(), length(needle));
+        ASSERT_TRUE(0 <= first && first < length(needle) && 0 <= second && second < length(needle));
+        ASSERT_NE(first, second);
+    }
+}
+
+TYPED_TEST(SubstringTest, TextsFullOfNearOccurrencesAgreeWithThePlainLoop) {
+    using E = TypeParam;
+    // a...a with one other element in the needle's middle, at either end, and in the text here and there.
+    for (const std::size_t needleCount : {20U, 64U, 200U}) {
+        for (const std::size_t odd : {std::size_t{0}, needleCount / 2, needleCount - 1}) {
+            std::vector<E> needle(needleCount, 'a');
+            needle[odd] = 'b';
+            std::vector<E> src(5000, 'a');
+            for (std::size_t i = 0; i < src.size(); i += needleCount - 1) {
+                src[i] = 'b';
+            }
+            for (int round = 0; round < 2; ++round) {
+                const auto len = length(src), lenFind = length(needle);
+                ASSERT_EQ(tav::indexOf(src.data(), len, needle.data(), lenFind),
+                          tav::plain::indexOf(src.data(), len, needle.data(), lenFind));
+                ASSERT_EQ(tav::lastIndexOf(src.data(), len, needle.data(), lenFind),
+                          tav::plain::lastIndexOf(src.data(), len, needle.data(), lenFind));
+                std::copy(needle.begin(), needle.end(), src.begin() + 2500);
+            }
+        }
+    }
+}
+
+TYPED_TEST(SubstringTest, TheWorstTextsCostLinearTime) {
+    using E = TypeParam;
+    // Compared start by start these would cost 10^11 steps; linear search takes some milliseconds.
+    const std::size_t count = 1U << 20, needleCount = 100000;
+    const std::vector<E> src(count, 'a');
+    for (const std::size_t odd : {std::size_t{0}, needleCount / 2, needleCount - 1}) {
+        std::vector<E> needle(needleCount, 'a');
+        needle[odd] = 'b';
+        std::vector<E> text = src;
+        for (std::size_t i = odd; i < count; i += needleCount + 1) {
+            text[i] = 'b';
+        }
+        text[count - 1] = 'b';
+        const auto begin = std::chrono::steady_clock::now();
+        tav::indexOf(text.data(), length(text), needle.data(), length(needle));
+        tav::lastIndexOf(text.data(), length(text), needle.data(), length(needle));
+        tav::indexOf(src.data(), length(src), needle.data(), length(needle));
+        tav::lastIndexOf(src.data(), length(src), needle.data(), length(needle));
+        const auto spent = std::chrono::steady_clock::now() - begin;
+        EXPECT_LT(std::chrono::duration<double>(spent).count(), 2.0);
+    }
+}
