@@ -1,0 +1,71 @@
+// libre2. Its language has neither look-around nor back-references: such patterns give no engine.
+#include "bench/engine.h"
+
+#include <re2/re2.h>
+
+namespace tav::bench {
+
+namespace {
+
+class Re2 final : public Engine {
+public:
+    Re2(const std::string& pattern, const RE2::Options& options)
+        : re_(pattern, options), groups_(static_cast<std::size_t>(re_.NumberOfCapturingGroups() + 1)) {}
+
+    bool ok() const { return re_.ok(); }
+
+    Tally all(const Subjects& subjects) override {
+        Tally tally;
+        for (std::string_view subject : subjects) {
+            re2::StringPiece span;
+            for (std::size_t from = 0; from <= subject.size();) {
+                if (!match(subject, from, &span, 1)) break;
+                tally.matches++;
+                tally.bytes += span.size();
+                from =
+                    static_cast<std::size_t>(span.data() - subject.data()) + (span.empty() ? 1 : span.size());
+            }
+        }
+        return tally;
+    }
+
+    Tally captures(const Subjects& subjects) override {
+        return firstMatches(subjects, static_cast<int>(groups_.size()));
+    }
+
+    Tally first(const Subjects& subjects) override { return firstMatches(subjects, 1); }
+
+private:
+    bool match(std::string_view subject, std::size_t from, re2::StringPiece* spans, int count) const {
+        return re_.Match({subject.data(), subject.size()}, from, subject.size(), RE2::UNANCHORED, spans,
+                         count);
+    }
+
+    Tally firstMatches(const Subjects& subjects, int count) {
+        Tally tally;
+        for (std::string_view subject : subjects) {
+            if (!match(subject, 0, groups_.data(), count)) continue;
+            tally.matches++;
+            for (int i = 0; i < count; i++)
+                tally.bytes += groups_[static_cast<std::size_t>(i)].size();
+        }
+        return tally;
+    }
+
+    RE2 re_;
+    std::vector<re2::StringPiece> groups_;
+};
+
+} // namespace
+
+std::unique_ptr<Engine> makeRe2(const PatternText& pattern) {
+    RE2::Options options;
+    options.set_log_errors(false);
+    options.set_encoding(pattern.utf8 ? RE2::Options::EncodingUTF8 : RE2::Options::EncodingLatin1);
+    const std::string prefix = pattern.options.empty() ? "" : "(?" + pattern.options + ")";
+    auto engine = std::make_unique<Re2>(prefix + pattern.text, options);
+    if (!engine->ok()) return nullptr;
+    return engine;
+}
+
+} // namespace tav::bench
