@@ -295,6 +295,68 @@ typedef struct tavRegExpFindResult {
     int32_t length;       /**< length in bytes; -1 for a group that took no part in the match */
 } tavRegExpFindResult;
 
+/* ------------------------------------------------------------------------------------------------------- */
+/* Regular expressions: compiling                                                                          */
+
+/**
+ * The size of the block that tavsRegExpInit needs for a pattern. Only the pattern's length counts; it is not
+ * parsed.
+ *
+ * @param pattern  zero-terminated pattern
+ * @param size     receives the size in bytes: 24 * strlen(pattern) + 48056
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: the size does not fit *size (patterns of
+ *         89,476,483 bytes and more), which is left untouched; tavStsNoError.
+ */
+tavStatus tavsRegExpGetSize(const char* pattern, int32_t* size);
+
+/**
+ * Compiles a pattern into a block of the caller's.
+ *
+ * @param pattern    zero-terminated pattern; not needed any more when the call has returned
+ * @param options    zero-terminated option letters of "gimsx" in any order, repeated ones allowed, or null
+ * @param state      the block, aligned to 8 bytes, at least as large as tavsRegExpGetSize says
+ * @param errOffset  receives the byte offset of the error in the pattern; untouched on success
+ * @return tavStsNullPointer: pattern, state or errOffset is null (nothing is written); tavStsBadOption: an unknown
+ *         option letter, *errOffset 0; tavStsBadEscape, tavStsBadClass, tavStsBadGroupReference,
+ *         tavStsPatternSyntax, tavStsRepeatLimit: the first error in the pattern, see below; tavStsNoError.
+ */
+tavStatus tavsRegExpInit(const char* pattern, const char* options, tavRegExpContext* state, int32_t* errOffset);
+
+/**
+ * Allocates a block, compiles a pattern into it and stores it in *state: the same as tavsRegExpGetSize, tavMalloc
+ * and tavsRegExpInit. Release it with tavsRegExpFree.
+ *
+ * @return tavStsNullPointer: pattern or state is null (nothing is written), the allocation failed, or errOffset
+ *         is null; else the answer of tavsRegExpInit. Unless pattern or state is null, *state is written: the
+ *         block on success, null on every failure.
+ */
+tavStatus tavsRegExpInitAlloc(const char* pattern, const char* options, tavRegExpContext** state, int32_t* errOffset);
+
+/**
+ * Releases a block from tavsRegExpInitAlloc. Null is allowed.
+ * @return tavStsNoError.
+ */
+tavStatus tavsRegExpFree(tavRegExpContext* state);
+
+/**
+ * Sets how deep a search may go before it gives up; see tavsRegExpFind_8u.
+ *
+ * @param limit  the depth budget, 0 or more
+ * @param state  a compiled pattern (its tag is not tested)
+ * @return tavStsNullPointer: state is null; tavStsNegativeLength: limit is negative; tavStsNoError.
+ */
+tavStatus tavsRegExpSetMatchLimit(int32_t limit, tavRegExpContext* state);
+
+/**
+ * Sets by what steps a search moves its start.
+ *
+ * @param format  1: whole UTF-8 characters, the setting after compilation; 0: bytes
+ * @param state   a compiled pattern (its tag is not tested)
+ * @return tavStsNullPointer: state is null; tavStsOutOfRange: any other format, which is not stored;
+ *         tavStsNoError.
+ */
+tavStatus tavsRegExpSetFormat(int32_t format, tavRegExpContext* state);
+
 #ifdef __cplusplus
 }
 #endif

@@ -2,6 +2,7 @@
 #include "frame/slots.h"
 
 #include "frame/version.h"
+#include "regex/compile/context.h"
 #include "strings/compare.h"
 #include "strings/find.h"
 
