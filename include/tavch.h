@@ -356,6 +356,46 @@ tavStatus tavsRegExpSetMatchLimit(int32_t limit, tavRegExpContext* state);
  *         tavStsNoError.
  */
 tavStatus tavsRegExpSetFormat(int32_t format, tavRegExpContext* state);
+/* Regular expressions: search                                                                             */
+
+/**
+ * Finds the first match of a compiled pattern in a subject, or, when the pattern was compiled with the option
+ * "g", successive matches.
+ *
+ * Without "g": element 0 of `pFind` receives the whole match, element i the i-th capturing group, as many as
+ * `*pNumFind` and the pattern's groupCount allow. With "g": the matches stand behind each other in `pFind`; of
+ * each, only the capturing groups are stored (groupCount - 1 elements), or the whole match (one element) when the
+ * pattern has no capturing group. The search ends when `pFind` is full.
+ *
+ * After an empty match under "g" the search first tries for a match that is not empty at the same place, with
+ * just the one next byte in sight, and then goes on at the next byte.
+ *
+ * A pattern that requires a literal at its end (lastLiteral of 0 or more) uses the subject only up to the end of
+ * that literal's last occurrence: a lookahead or "$" cannot see beyond it. A path that needs more nested levels
+ * than the match limit fails like any mismatch, so a limit that is too low looks like "no match".
+ *
+ * @param pSrc          the subject; with "" or "\B" in the pattern the byte behind it must be readable
+ * @param srcLen        its length in bytes
+ * @param pRegExpState  the compiled pattern; its work area is written, so one search at a time
+ * @param pFind         the result array
+ * @param pNumFind      in: the number of elements of pFind; out: the number written, 0 when nothing was found
+ * @return tavStsNullPointer: an argument is null; tavStsNegativeLength: srcLen is negative; tavStsBadCount:
+ *         *pNumFind is below 1; tavStsBadContext: not a compiled pattern (in these cases nothing is written);
+ *         tavStsRepeatLimit: the match limit in the context is negative (*pNumFind keeps its value);
+ *         tavStsResultsTruncated: found, but pFind has fewer elements than one match fills; else tavStsNoError,
+ *         found or not.
+ *
+ * Nothing is allocated. Machine stack: at most 256 KiB under the default match limit, a few KiB as a rule.
+ *
+ * @code
+ * tavRegExpFindResult found[2];
+ * int32_t count = 2;
+ * if (tavsRegExpFind_8u(text, length, pattern, found, &count) >= 0 && count > 0)
+ *     printf("%.*s", (int)found[0].length, (const char*)found[0].start);
+ * @endcode
+ */
+tavStatus tavsRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen, tavRegExpContext* pRegExpState,
+                            tavRegExpFindResult* pFind, int32_t* pNumFind);
 
 #ifdef __cplusplus
 }

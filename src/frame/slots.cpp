@@ -3,6 +3,7 @@
 
 #include "frame/version.h"
 #include "regex/compile/context.h"
+#include "regex/match/search.h"
 #include "strings/compare.h"
 #include "strings/find.h"
 

@@ -1,0 +1,94 @@
+#include "regex/match/classes.h"
+
+#include "regex/match/characters.h"
+
+#include <cstring>
+
+namespace tav::regex {
+
+namespace {
+
+uint8_t bitOf(int32_t number) {
+    return static_cast<uint8_t>(1u << (number % 8));
+}
+
+/// Can the member of a class never match a well-formed character beyond ASCII?
+bool isNarrow(const Instruction& member, uint32_t options) {
+    if (member.c != 0) return false;
+    switch (member.op) {
+    case OP_CHAR:
+        return member.a < 0x80;
+    case OP_RANGE:
+        return member.b < 0x80 && !(options & optionCaseless); // U+212A is a "k" without case
+    case OP_TYPE:
+        return !typeMatches(member.a, 0xFF, false);
+    default:
+        return false;
+    }
+}
+
+/// How an item treats well-formed characters beyond ASCII: takes none (0), all, or must test each.
+Trait wideTrait(const Instruction& item, uint32_t options) {
+    constexpr auto none = Trait{};
+    if (item.op == OP_TYPE) return typeMatches(item.a, 0xFF, false) ? traitMultiAll : none;
+    if (item.op != OP_SET) return traitMultiTest;
+    for (int32_t i = 1; i <= item.b; ++i)
+        if (!isNarrow((&item)[i], options)) return traitMultiTest;
+    return item.a < 0 ? traitMultiAll : none;
+}
+
+bool accepts(const Instruction& item, uint8_t byte, uint32_t options) {
+    const Utf8Sequence character = {byte, 1, byte >= 0x80};
+    return item.op == OP_SET ? classMatches(&item, character, options)
+                             : itemMatches(item, character, options);
+}
+
+} // namespace
+
+void ClassBuilder::classify(int32_t pc, uint32_t options, Node& node) {
+    const int32_t number = classOf(pc, options);
+    if (number < 0) return;
+    const Trait wide = wideTrait(program_.code[pc], options);
+    node.item = Item::charClass;
+    node.index = static_cast<uint16_t>(number);
+    node.mask = bitOf(number);
+    node.traits = static_cast<uint16_t>(node.traits | wide);
+    if (wide == Trait{} && !acceptsMalformed(number))
+        node.traits = static_cast<uint16_t>(node.traits | traitSingle);
+}
+
+/// The class of the item at `pc`: an earlier one with the same instructions and options, or a new one.
+int32_t ClassBuilder::classOf(int32_t pc, uint32_t options) {
+    const auto size = static_cast<std::size_t>(behind(program_, pc) - pc) * sizeof(Instruction);
+    for (int32_t number = 0; number < count_; ++number) {
+        const Source& source = sources_[number];
+        if (source.options == options && source.size == size &&
+            std::memcmp(&program_.code[source.pc], &program_.code[pc], size) == 0)
+            return number;
+    }
+    if (count_ == capacity_) return -1;
+    const int32_t number = count_++;
+    sources_[number] = {pc, options, size};
+    fill(number, program_.code[pc], options);
+    return number;
+}
+
+void ClassBuilder::fill(int32_t number, const Instruction& item, uint32_t options) {
+    ClassTable& table = ascii_[number / 8];
+    MalformedBits& malformed = malformed_[number];
+    if (number % 8 == 0) std::memset(table, 0, sizeof table);
+    std::memset(malformed, 0, sizeof malformed);
+    for (uint32_t byte = 0; byte < 0x80; ++byte)
+        if (accepts(item, static_cast<uint8_t>(byte), options)) table[byte] |= bitOf(number);
+    for (uint32_t byte = 0x80; byte < 0x100; ++byte)
+        if (accepts(item, static_cast<uint8_t>(byte), options))
+            malformed[(byte & 0x7F) / 8] |= static_cast<uint8_t>(1u << (byte % 8));
+}
+
+bool ClassBuilder::acceptsMalformed(int32_t number) const {
+    for (const uint8_t bits : malformed_[number])
+        if (bits != 0) return true;
+    return false;
+}
+
+} // namespace tav::regex

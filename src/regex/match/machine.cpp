@@ -1,0 +1,827 @@
+#include "regex/match/machine.h"
+
+#include "regex/match/characters.h"
+#include "regex/match/stack_room.h"
+#include "regex/match/structure.h"
+#include "unicode/properties.h"
+
+#include <cstring>
+
+#if defined(_WIN32)
+#include <malloc.h>
+#else
+#include <alloca.h>
+#endif
+
+#define TAV_INLINE [[gnu::always_inline]] inline
+
+namespace tav::regex {
+
+namespace {
+
+/// The sorts of records. The first ones are choices; the others are passed by on the way back.
+enum Sort : uint32_t {
+    sortAlternative,   // another alternative of the program or of a group
+    sortGreedy,        // a greedy repeat that can give back
+    sortLazy,          // a lazy repeat that can take more
+    sortIteration,     // an iteration of a loop: its alternatives, then going on without it
+    sortEnterLazily,   // a lazy loop passed over: enter it after all
+    sortIterateLazily, // a lazy loop left: another iteration after all
+    sortBody,          // the body of a lookaround or atomic group is being matched
+    sortSlot,          // the former value of a result slot
+};
+
+constexpr uint32_t sortShift = 28;
+
+constexpr uint32_t what(Sort sort, int32_t pc) {
+    return sort << sortShift | static_cast<uint32_t>(pc);
+}
+constexpr Sort sortOf(const Record& record) {
+    return static_cast<Sort>(record.what >> sortShift);
+}
+constexpr int32_t nodeOf(const Record& record) {
+    return static_cast<int32_t>(record.what & ((1u << sortShift) - 1));
+}
+
+/// The lower record of an iteration: what it replaced.
+struct Replaced {
+    int32_t record; // the bracket's record before
+    int32_t start;  // the slot before
+    int32_t length;
+    int32_t count; // number of this iteration, from 1
+};
+
+static_assert(sizeof(Replaced) == sizeof(Record));
+
+Replaced& replacedBy(Record* iteration) {
+    return reinterpret_cast<Replaced&>(iteration[-1]);
+}
+
+uint32_t optionsOf(const Node& node) {
+    return (node.has(traitCaseless) ? optionCaseless : 0u) | (node.has(traitDotAll) ? optionDotAll : 0u);
+}
+
+bool isBoundary(const uint8_t* begin, const uint8_t* p) {
+    const bool before = p != begin && isWordByte(p[-1]);
+    return before != isWordByte(*p); // one byte behind the subject is readable by contract
+}
+
+} // namespace
+
+Node DirectNodes::operator[](int32_t pc) const {
+    const Program& program = plan_.program;
+    if (pc == program.length) return decode(program, pc, {0, noNode, false});
+    const bool condition = pc > 0 && program.code[pc - 1].op == OP_COND;
+    return decode(program, pc, {optionsAt(pc), openerOf(plan_.brackets, program.code[pc]), condition});
+}
+
+/// The options in force at an instruction are those that the nearest instruction before it sets.
+uint32_t DirectNodes::optionsAt(int32_t pc) const {
+    constexpr uint32_t unset = ~0u;
+    if (plan_.uniformOptions) return plan_.program.options;
+    while (--pc >= 0) {
+        const uint32_t options = optionsBehind(plan_.program.code[pc], unset);
+        if (options != unset) return options;
+    }
+    return plan_.program.options;
+}
+
+template <class Nodes>
+Machine<Nodes>::Machine(const Plan& plan, const Subject& subject, int32_t matchLimit)
+    : plan_(plan), nodes_(plan), begin_(subject.begin), end_(subject.end), limit_(subject.limit),
+      captures_(plan.captures), matchLimit_(matchLimit) {
+    useStack(firstStack_, firstCapacity, 0);
+}
+
+template <class Nodes>
+void Machine<Nodes>::useStack(Record* memory, std::size_t capacity, std::size_t used) {
+    stack_ = memory;
+    stackEnd_ = memory + capacity - 2; // undoing may briefly need one record more than was there
+    saved_.top = memory + used;
+}
+
+template <class Nodes>
+Outcome Machine<Nodes>::match(const uint8_t* start, const uint8_t* end, bool notEmpty) {
+    start_ = start;
+    end_ = end;
+    notEmpty_ = notEmpty;
+    if (capturesDirty_ || plan_.capturesStay)
+        for (int32_t slot = 0; slot < plan_.program.groupCount; ++slot)
+            captures_[slot] = {0, -1};
+    Registers r{start, 0, matchLimit_, stack_};
+    if (plan_.firstAlternative != noNode)
+        *++r.top = {what(sortAlternative, 0), offset(start), plan_.firstAlternative, matchLimit_};
+    Outcome outcome = run(r);
+    if (outcome == Outcome::full) outcome = matchOnLargerStack();
+    capturesDirty_ = outcome == Outcome::matched;
+    return outcome;
+}
+
+/// Goes on with more room for records, taken from the machine stack: once the whole that the default limit
+/// can need, then twice as much each time, as far as the limit and the thread's stack allow.
+template <class Nodes>
+[[gnu::noinline]] Outcome Machine<Nodes>::matchOnLargerStack() {
+    Outcome outcome = Outcome::full;
+    while (outcome == Outcome::full) {
+        const std::size_t capacity = nextCapacity();
+        if (capacity == 0) { // no more to be had: the path fails here like one without a level left
+            outcome = backtrack(saved_) ? resume() : Outcome::failed;
+            continue;
+        }
+        auto* memory = static_cast<Record*>(alloca(capacity * sizeof(Record)));
+        const auto used = static_cast<std::size_t>(saved_.top - stack_);
+        std::memcpy(memory, stack_, (used + 1) * sizeof(Record));
+        useStack(memory, capacity, used);
+        outcome = resume();
+    }
+    useStack(firstStack_, firstCapacity, 0);
+    return outcome;
+}
+
+template <class Nodes>
+std::size_t Machine<Nodes>::nextCapacity() const {
+    constexpr std::size_t forDefaultLimit = 15'000; // 24 bytes for each of 10,000 levels
+    constexpr std::size_t reserve = 64 * 1024;      // of the thread's stack, for whatever is called from here
+    const std::size_t needed = static_cast<std::size_t>(matchLimit_) * 3 / 2 + 16;
+    const auto present = static_cast<std::size_t>(stackEnd_ - stack_) + 2;
+    std::size_t capacity = 2 * present > forDefaultLimit ? 2 * present : forDefaultLimit;
+    if (capacity > needed) capacity = needed;
+    if (capacity <= present) return 0;
+    if (capacity <= forDefaultLimit) return capacity;
+    const std::size_t room = stackRoom();
+    if (room < reserve) return 0;
+    const std::size_t affordable = (room - reserve) / sizeof(Record);
+    if (capacity > affordable) capacity = affordable;
+    return capacity > present + present / 8 ? capacity : 0;
+}
+
+template <class Nodes>
+Outcome Machine<Nodes>::run(Registers r) {
+    for (;;) {
+        Step step = Step::fail;
+        if (r.levels > 0) {
+            --r.levels;
+            step = this->step(r, nodes_[r.pc]);
+        }
+        if (step == Step::go) continue;
+        if (step == Step::done) {
+            matchEnd_ = r.p;
+            return Outcome::matched;
+        }
+        if (step == Step::full) {
+            ++r.levels;
+            saved_ = r;
+            return Outcome::full;
+        }
+        if (!backtrack(r)) return Outcome::failed;
+    }
+}
+
+template <class Nodes>
+TAV_INLINE auto Machine<Nodes>::step(Registers& r, const Node& node) -> Step {
+    switch (node.kind) {
+    case Kind::fail:
+        return Step::fail;
+    case Kind::matchEnd:
+        return notEmpty_ && r.p == start_ ? Step::fail : Step::done;
+    case Kind::alternativeEnd:
+        return Step::done;
+    case Kind::byte:
+        if (r.p >= end_ || *r.p != node.byte) return Step::fail;
+        ++r.p;
+        break;
+    case Kind::byteCaseless:
+        if (r.p >= end_ || (*r.p | 0x20) != node.byte) return Step::fail;
+        ++r.p;
+        break;
+    case Kind::string:
+    case Kind::stringCaseless:
+        if (!matchesString(node, r.pc, r.p)) return Step::fail;
+        r.p += node.min;
+        break;
+    case Kind::item: {
+        const uint8_t* next = consume(node, r.pc, r.p);
+        if (next == nullptr || !mayEndAt(next, node.next)) return Step::fail;
+        r.p = next;
+        break;
+    }
+    case Kind::greedy:
+        return greedy(r, node);
+    case Kind::lazy:
+        return lazy(r, node);
+    case Kind::assertion:
+        if (!holds(node, r.p)) return Step::fail;
+        break;
+    case Kind::pass:
+        break;
+    case Kind::group:
+        return enterGroup(r, node);
+    case Kind::groupEnd:
+        return leaveGroup(r, node);
+    case Kind::loop:
+    case Kind::atomicLoop:
+        return enterLoop(r, node);
+    case Kind::loopEnd:
+        return leaveLoop(r, node);
+    case Kind::look:
+        return enterLook(r, node);
+    case Kind::atomic:
+        return enterAtomic(r, node);
+    case Kind::bodyEnd:
+        return leaveBody(r, node);
+    case Kind::conditionGroup: {
+        ++r.levels; // the choice belongs to the conditional's opening
+        const bool isSet = node.slot != 0 && captures_[node.slot].length != -1;
+        r.pc = isSet ? node.next : node.other;
+        return Step::go;
+    }
+    }
+    r.pc = node.next;
+    return Step::go;
+}
+
+// --- Single items
+// -------------------------------------------------------------------------------------------
+
+/// A character may reach beyond the usable end; then nothing but the end of what is being matched may follow.
+template <class Nodes>
+TAV_INLINE bool Machine<Nodes>::mayEndAt(const uint8_t* p, int32_t next) const {
+    if (p <= end_) return true;
+    const auto& node = nodes_[next];
+    return node.kind == Kind::matchEnd ||
+           (node.kind == Kind::bodyEnd && plan_.program.code[next].op == OP_GROUP_END);
+}
+
+template <class Nodes>
+TAV_INLINE bool Machine<Nodes>::matchesString(const Node& node, int32_t pc, const uint8_t* p) const {
+    const std::ptrdiff_t left = end_ - p;
+    if (left < 1 || left < node.min) return false;
+    const auto* text = static_cast<const uint8_t*>(plan_.program.code[pc].text);
+    if (node.kind == Kind::string) {
+        for (int32_t i = 0; i < node.min; ++i)
+            if (p[i] != text[i]) return false;
+        return true;
+    }
+    for (int32_t i = 0; i < node.min; ++i)
+        if (foldAscii(p[i]) != foldAscii(text[i])) return false;
+    return true;
+}
+
+/// The end of one item at `p`, or null when it does not match.
+template <class Nodes>
+TAV_INLINE const uint8_t* Machine<Nodes>::consume(const Node& node, int32_t pc, const uint8_t* p) const {
+    if (node.item == Item::backReference) return consumeReference(node, p);
+    if (p >= end_) return nullptr;
+    switch (node.item) {
+    case Item::byte:
+        return *p == node.byte ? p + 1 : nullptr;
+    case Item::byteCaseless:
+        return (*p | 0x20) == node.byte ? p + 1 : nullptr;
+    case Item::anyByte:
+        return p + 1;
+    case Item::charClass:
+        if (*p < 0x80) return plan_.ascii[node.index / 8][*p] & node.mask ? p + 1 : nullptr;
+        return consumeWide(node, pc, p);
+    case Item::extended:
+        return extendedCharacterEnd(p, end_, limit_);
+    default:
+        return consumeWide(node, pc, p);
+    }
+}
+
+/// A character that the tables do not decide.
+template <class Nodes>
+[[gnu::noinline]] const uint8_t* Machine<Nodes>::consumeWide(const Node& node, int32_t pc,
+                                                             const uint8_t* p) const {
+    const Utf8Sequence character = unicode::decodeUtf8(p, limit_);
+    if (node.item == Item::charClass) {
+        if (character.malformed) return hasMalformed(plan_.malformed[node.index], *p) ? p + 1 : nullptr;
+        if (node.has(traitMultiAll)) return p + character.length;
+        if (!node.has(traitMultiTest)) return nullptr;
+    }
+    const Instruction& item = plan_.program.code[pc];
+    const bool matches = item.op == OP_SET ? classMatches(&item, character, optionsOf(node))
+                                           : itemMatches(item, character, optionsOf(node));
+    return matches ? p + character.length : nullptr;
+}
+
+template <class Nodes>
+[[gnu::noinline]] const uint8_t* Machine<Nodes>::consumeReference(const Node& node, const uint8_t* p) const {
+    const Capture& group = captures_[node.slot];
+    if (node.slot == 0 || group.length < 0 || group.length > end_ - p) return nullptr;
+    const uint8_t* text = begin_ + group.start;
+    for (int32_t i = 0; i < group.length; ++i)
+        if (!sameByte(p[i], text[i], node.has(traitCaseless))) return nullptr;
+    return p + group.length;
+}
+
+template <class Nodes>
+bool Machine<Nodes>::holds(const Node& node, const uint8_t* p) const {
+    const bool atStart = p == begin_;
+    const bool behindLineFeed = !atStart && p[-1] == '\n';
+    switch (node.byte) {
+    case '^':
+        return atStart || (node.has(traitMultiLine) && behindLineFeed && p < end_);
+    case '$':
+        if (node.has(traitMultiLine)) return p == end_ || *p == '\n';
+        [[fallthrough]];
+    case 'Z':
+        return p == end_ || (p + 1 == end_ && *p == '\n');
+    case 'z':
+        return p == end_;
+    case 'A':
+    case 'G':
+        return atStart;
+    case 'b':
+        return isBoundary(begin_, p);
+    case 'B':
+        return !isBoundary(begin_, p);
+    case anchorLineStart:
+        return atStart || behindLineFeed || p == end_;
+    default:
+        return false;
+    }
+}
+
+// --- Repeats of single items
+// --------------------------------------------------------------------------------
+
+/// Takes as many repetitions as there are.
+template <class Nodes>
+TAV_INLINE auto Machine<Nodes>::takeRun(const Node& node, int32_t pc, const uint8_t* p) const -> Run {
+    const std::ptrdiff_t left = end_ - p;
+    const uint8_t* const stop = p + (left < node.max ? left : node.max);
+    const uint8_t* q = p;
+    switch (node.item) {
+    case Item::charClass:
+        if (!node.has(traitSingle)) return takeClass(node, pc, p);
+        for (const ClassTable& table = plan_.ascii[node.index / 8]; q < stop && (table[*q] & node.mask);)
+            ++q;
+        break;
+    case Item::byte:
+        while (q < stop && *q == node.byte)
+            ++q;
+        break;
+    case Item::byteCaseless:
+        while (q < stop && (*q | 0x20) == node.byte)
+            ++q;
+        break;
+    case Item::anyByte:
+        if (stop > q) q = stop;
+        break;
+    default:
+        return takeClass(node, pc, p);
+    }
+    return {q - p < node.min ? nullptr : p + node.min, q};
+}
+
+/// The same for items of several bytes: stretches by the table, the characters between them one by one.
+template <class Nodes>
+auto Machine<Nodes>::takeClass(const Node& node, int32_t pc, const uint8_t* p) const -> Run {
+    Run run{node.min <= 0 ? p : nullptr, p};
+    int32_t count = 0;
+    const uint8_t* const table = node.item == Item::charClass ? plan_.ascii[node.index / 8] : nullptr;
+    while (count < node.max && run.end < end_) {
+        if (table != nullptr && *run.end < 0x80) {
+            const std::ptrdiff_t left = end_ - run.end;
+            const uint8_t* const stop = run.end + (left < node.max - count ? left : node.max - count);
+            const uint8_t* q = run.end;
+            while (q < stop && (table[*q] & node.mask))
+                ++q;
+            if (q == run.end) break;
+            const auto taken = static_cast<int32_t>(q - run.end);
+            if (run.lowest == nullptr && count + taken >= node.min) run.lowest = run.end + (node.min - count);
+            count += taken;
+            run.end = q;
+            continue;
+        }
+        const uint8_t* q = consume(node, pc, run.end);
+        if (q == nullptr) break;
+        if (q == run.end) { // an empty group's text: any number of repetitions is the same place
+            run.lowest = q;
+            break;
+        }
+        run.end = q;
+        if (++count == node.min) run.lowest = q;
+    }
+    return run;
+}
+
+/// Where the repeat that ends at `p` ends with one repetition less.
+template <class Nodes>
+TAV_INLINE const uint8_t* Machine<Nodes>::stepBack(const Node& node, const uint8_t* p,
+                                                   const uint8_t* lowest) const {
+    if (node.has(traitSingle)) return p - 1;
+    if (node.item == Item::backReference) return p - captures_[node.slot].length;
+    p = previousCharacter(p, lowest, limit_);
+    if (node.item != Item::extended) return p;
+    while (p != lowest) {
+        const Utf8Sequence character = unicode::decodeUtf8(p, limit_);
+        if (character.malformed || !unicode::isCombiningMark(character.value)) break;
+        p = previousCharacter(p, lowest, limit_);
+    }
+    return p;
+}
+
+template <class Nodes>
+TAV_INLINE auto Machine<Nodes>::greedy(Registers& r, const Node& node) -> Step {
+    if (node.min > 0 && r.p >= end_) return Step::fail;
+    const Run run = takeRun(node, r.pc, r.p);
+    if (run.lowest == nullptr) return Step::fail;
+    const int32_t pc = r.pc;
+    const uint8_t* q = run.end;
+    if (q != run.lowest && !node.has(traitPossessive)) {
+        if (node.follows >= 0)
+            while (q != run.lowest && (q >= end_ || *q != node.follows))
+                q = stepBack(node, q, run.lowest);
+        if (q != run.lowest) {
+            if (!hasRoom(r, 1)) return Step::full;
+            *++r.top = {what(sortGreedy, pc), offset(q), offset(run.lowest), r.levels};
+        }
+    }
+    if (!mayEndAt(q, node.next)) return Step::fail;
+    r.p = q;
+    r.pc = node.next;
+    return Step::go;
+}
+
+template <class Nodes>
+TAV_INLINE bool Machine<Nodes>::giveBack(Registers& r) {
+    Record& record = *r.top;
+    const int32_t pc = nodeOf(record);
+    const auto& node = nodes_[pc];
+    const uint8_t* const lowest = begin_ + record.bound;
+    const uint8_t* q = stepBack(node, begin_ + record.at, lowest);
+    if (node.follows >= 0)
+        while (q != lowest && (q >= end_ || *q != node.follows))
+            q = stepBack(node, q, lowest);
+    r.levels = record.levels;
+    record.at = offset(q);
+    if (q == lowest) --r.top;
+    r.p = q;
+    r.pc = node.next;
+    return mayEndAt(q, node.next);
+}
+
+template <class Nodes>
+TAV_INLINE auto Machine<Nodes>::lazy(Registers& r, const Node& node) -> Step {
+    if (node.min > 0 && r.p >= end_) return Step::fail;
+    if (!hasRoom(r, 1)) return Step::full;
+    const uint8_t* p = r.p;
+    for (int32_t count = 0; count < node.min; ++count) {
+        const uint8_t* q = consume(node, r.pc, p);
+        if (q == nullptr) return Step::fail;
+        if (q == p) break; // an empty group's text
+        p = q;
+    }
+    r.p = p;
+    return advanceLazily(r, node, r.pc, node.max - node.min);
+}
+
+/// Goes on behind the repeat that ends at r.p, or at the first later end where the byte that must follow
+/// stands.
+template <class Nodes>
+TAV_INLINE auto Machine<Nodes>::advanceLazily(Registers& r, const Node& node, int32_t pc, int32_t left)
+    -> Step {
+    const uint8_t* p = r.p;
+    if (node.follows >= 0) {
+        while (p >= end_ || *p != node.follows) {
+            if (left == 0 || p >= end_) return Step::fail;
+            const uint8_t* q = consume(node, pc, p);
+            if (q == nullptr || q == p) return Step::fail;
+            p = q;
+            --left;
+        }
+    }
+    if (left > 0 && p < end_) *++r.top = {what(sortLazy, pc), offset(p), left, r.levels};
+    if (!mayEndAt(p, node.next)) return Step::fail;
+    r.p = p;
+    r.pc = node.next;
+    return Step::go;
+}
+
+template <class Nodes>
+TAV_INLINE bool Machine<Nodes>::takeAnother(Registers& r) {
+    const Record record = *r.top--;
+    const int32_t pc = nodeOf(record);
+    const auto& node = nodes_[pc];
+    const uint8_t* p = begin_ + record.at;
+    const uint8_t* q = consume(node, pc, p);
+    if (q == nullptr || q == p) return false;
+    r.p = q;
+    r.levels = record.levels;
+    return advanceLazily(r, node, pc, record.bound - 1) == Step::go;
+}
+
+// --- Groups
+// -------------------------------------------------------------------------------------------------
+
+template <class Nodes>
+TAV_INLINE auto Machine<Nodes>::enterGroup(Registers& r, const Node& node) -> Step {
+    if (!hasRoom(r, 2)) return Step::full;
+    if (node.has(traitCapture)) {
+        Capture& slot = captures_[node.slot];
+        if (node.has(traitSaveOpen)) *++r.top = {what(sortSlot, node.slot), slot.start, slot.length, 0};
+        slot = {offset(r.p), 0};
+    }
+    if (node.link != noNode) *++r.top = {what(sortAlternative, r.pc), offset(r.p), node.link, r.levels};
+    ++r.pc;
+    return Step::go;
+}
+
+template <class Nodes>
+TAV_INLINE auto Machine<Nodes>::leaveGroup(Registers& r, const Node& node) -> Step {
+    if (node.has(traitCapture)) {
+        Capture& slot = captures_[node.slot];
+        if (node.has(traitSaveEnd)) {
+            if (!hasRoom(r, 1)) return Step::full;
+            *++r.top = {what(sortSlot, node.slot), slot.start, slot.length, 0};
+        }
+        slot.length = offset(r.p) - slot.start;
+    }
+    r.pc = node.next;
+    return Step::go;
+}
+
+template <class Nodes>
+TAV_INLINE bool Machine<Nodes>::nextAlternative(Registers& r) {
+    Record& record = *r.top;
+    const int32_t marker = record.bound;
+    record.bound = nodes_[marker].link;
+    r.p = begin_ + record.at;
+    r.pc = marker + 1;
+    r.levels = record.levels;
+    if (record.bound == noNode) --r.top;
+    return true;
+}
+
+// --- Loops
+// --------------------------------------------------------------------------------------------------
+
+/// Begins iteration `count` of the loop whose opener is `node`.
+template <class Nodes>
+TAV_INLINE void Machine<Nodes>::pushIteration(Registers& r, const Node& node, int32_t opener, int32_t count) {
+    Bracket& loop = bracket(node);
+    Capture& slot = captures_[node.slot];
+    r.top += 2;
+    replacedBy(r.top) = {loop.record, slot.start, slot.length, count};
+    *r.top = {what(sortIteration, opener), offset(r.p), node.link, r.levels};
+    loop.record = static_cast<int32_t>(r.top - stack_);
+    r.pc = opener + 1;
+}
+
+template <class Nodes>
+TAV_INLINE auto Machine<Nodes>::enterLoop(Registers& r, const Node& node) -> Step {
+    if (!hasRoom(r, 2)) return Step::full;
+    if (node.max <= 0) {
+        r.pc = node.next;
+        return Step::go;
+    }
+    if (node.has(traitLazy) && node.min <= 0) {
+        *++r.top = {what(sortEnterLazily, r.pc), offset(r.p), 0, r.levels};
+        r.pc = node.next;
+        return Step::go;
+    }
+    pushIteration(r, node, r.pc, 1);
+    if (node.has(traitCapture)) captures_[node.slot] = {offset(r.p), 0};
+    return Step::go;
+}
+
+template <class Nodes>
+TAV_INLINE bool Machine<Nodes>::enterLazily(Registers& r) {
+    const Record record = *r.top--;
+    const int32_t opener = nodeOf(record);
+    const auto& node = nodes_[opener];
+    r.p = begin_ + record.at;
+    r.levels = record.levels;
+    pushIteration(r, node, opener, 1);
+    if (node.has(traitCapture)) captures_[node.slot] = {record.at, 0};
+    return true;
+}
+
+/// The end of an iteration: another one or what follows the loop. An empty iteration ends the repetition,
+/// even below the minimum.
+template <class Nodes>
+TAV_INLINE auto Machine<Nodes>::leaveLoop(Registers& r, const Node& node) -> Step {
+    if (!hasRoom(r, 3)) return Step::full;
+    const Record* iteration = stack_ + plan_.brackets[node.index].record;
+    const int32_t count = replacedBy(const_cast<Record*>(iteration)).count;
+    const int32_t began = iteration->at;
+    if (node.has(traitCapture)) {
+        Capture& slot = captures_[node.slot];
+        if (node.has(traitSaveEnd)) *++r.top = {what(sortSlot, node.slot), slot.start, slot.length, 0};
+        slot = {began, offset(r.p) - began};
+    }
+    const bool isLazy = node.has(traitLazy);
+    const bool more = offset(r.p) != began && count < node.max;
+    if (more && !(isLazy && count >= node.min)) {
+        if (r.levels == 0) return Step::fail;
+        --r.levels;
+        const auto& opener = nodes_[node.other];
+        pushIteration(r, opener, node.other, count + 1);
+        return Step::go;
+    }
+    if (more) *++r.top = {what(sortIterateLazily, node.other), offset(r.p), count, r.levels};
+    r.pc = node.next;
+    return Step::go;
+}
+
+template <class Nodes>
+TAV_INLINE bool Machine<Nodes>::iterateLazily(Registers& r) {
+    const Record record = *r.top--;
+    if (record.levels == 0) return false;
+    const int32_t opener = nodeOf(record);
+    r.p = begin_ + record.at;
+    r.levels = record.levels - 1;
+    pushIteration(r, nodes_[opener], opener, record.bound + 1);
+    return true;
+}
+
+/// An iteration has failed: its next alternative, or going on with the iterations before it.
+template <class Nodes>
+TAV_INLINE bool Machine<Nodes>::retryIteration(Registers& r) {
+    const Record record = *r.top;
+    if (record.bound != noNode) {
+        r.top->bound = nodes_[record.bound].link;
+        r.p = begin_ + record.at;
+        r.pc = record.bound + 1;
+        r.levels = record.levels;
+        return true;
+    }
+    const int32_t count = replacedBy(r.top).count;
+    const auto& node = nodes_[nodeOf(record)];
+    undo(r.top);
+    if (node.has(traitLazy) || count - 1 < node.min) return false;
+    r.p = begin_ + record.at;
+    r.pc = node.next;
+    r.levels = record.levels + (count > 1 ? 1 : 0); // without the level of the iteration given up
+    return true;
+}
+
+// --- Lookaround and atomic groups
+// ---------------------------------------------------------------------------
+
+template <class Nodes>
+auto Machine<Nodes>::enterLook(Registers& r, const Node& node) -> Step {
+    if (!hasRoom(r, 2)) return Step::full;
+    const uint8_t* p = r.p;
+    if (node.has(traitBehind)) {
+        for (int32_t count = 0; count < node.min && p != nullptr; ++count)
+            p = p == begin_ ? nullptr : previousCharacter(p, begin_, limit_);
+        if (p == nullptr) {
+            if (node.other == noNode) return Step::fail;
+            r.pc = node.other;
+            return Step::go;
+        }
+    }
+    *++r.top = {what(sortBody, r.pc), offset(r.p), 0, r.levels};
+    bracket(node).record = static_cast<int32_t>(r.top - stack_);
+    if (node.link != noNode) *++r.top = {what(sortAlternative, r.pc), offset(p), node.link, r.levels};
+    r.p = p;
+    ++r.pc;
+    return Step::go;
+}
+
+template <class Nodes>
+TAV_INLINE auto Machine<Nodes>::enterAtomic(Registers& r, const Node& node) -> Step {
+    if (!hasRoom(r, 2)) return Step::full;
+    *++r.top = {what(sortBody, r.pc), offset(r.p), 0, r.levels};
+    bracket(node).record = static_cast<int32_t>(r.top - stack_);
+    if (node.link != noNode) *++r.top = {what(sortAlternative, r.pc), offset(r.p), node.link, r.levels};
+    ++r.pc;
+    return Step::go;
+}
+
+/// The body has matched: its choices are dropped and its levels given back.
+template <class Nodes>
+auto Machine<Nodes>::leaveBody(Registers& r, const Node& closing) -> Step {
+    const auto& node = nodes_[closing.other];
+    Record* const mark = stack_ + bracket(node).record;
+    if (node.kind == Kind::atomicLoop) {
+        mark->bound = noNode;
+        r.levels = mark->levels;
+        if (node.has(traitInner)) {
+            keepSlots(r, mark + 1);
+        } else {
+            r.top = mark;
+        }
+        return leaveLoop(r, closing);
+    }
+    r.levels = mark->levels;
+    if (node.kind == Kind::look) r.p = begin_ + mark->at;
+    if (!node.has(traitInner)) {
+        r.top = mark - 1;
+    } else if (node.has(traitKeep)) {
+        keepSlots(r, mark);
+    } else {
+        dropTo(r, mark - 1);
+    }
+    if (node.next == noNode) return Step::fail;
+    r.pc = node.next;
+    return Step::go;
+}
+
+template <class Nodes>
+bool Machine<Nodes>::bodyFailed(Registers& r) {
+    const Record record = *r.top--;
+    const auto& node = nodes_[nodeOf(record)];
+    if (node.kind != Kind::look || node.other == noNode) return false;
+    r.p = begin_ + record.at;
+    r.pc = node.other;
+    r.levels = record.levels;
+    return true;
+}
+
+/// Drops the choices from `base` to the top, moving what undoes captures down to `base`. The brackets inside
+/// need no undoing: they are done with, and set anew when entered again.
+template <class Nodes>
+void Machine<Nodes>::keepSlots(Registers& r, Record* base) {
+    Record* keep = r.top + 1; // kept records gather at the top, the newest first
+    for (Record* record = r.top; record >= base;) {
+        const Sort sort = sortOf(*record);
+        if (sort == sortSlot) {
+            *--keep = *record--;
+        } else if (sort == sortIteration) {
+            const Replaced replaced = replacedBy(record);
+            const auto& node = nodes_[nodeOf(*record)];
+            record -= 2;
+            if (node.has(traitCapture) && replaced.count == 1)
+                *--keep = {what(sortSlot, node.slot), replaced.start, replaced.length, 0};
+        } else {
+            --record;
+        }
+    }
+    const std::ptrdiff_t count = r.top + 1 - keep;
+    std::memmove(base, keep, static_cast<std::size_t>(count) * sizeof(Record));
+    r.top = base + count - 1;
+}
+
+// --- Backtracking
+// -------------------------------------------------------------------------------------------
+
+template <class Nodes>
+TAV_INLINE void Machine<Nodes>::restoreSlot(const Record& record) {
+    captures_[nodeOf(record)] = {record.at, record.bound};
+}
+
+/// Takes the newest record off the stack and undoes what it stands for.
+template <class Nodes>
+TAV_INLINE void Machine<Nodes>::undo(Record*& top) {
+    const Sort sort = sortOf(*top);
+    if (sort == sortSlot) restoreSlot(*top);
+    if (sort == sortIteration) {
+        const Replaced& replaced = replacedBy(top);
+        const auto& node = nodes_[nodeOf(*top)];
+        bracket(node).record = replaced.record;
+        if (node.has(traitCapture)) captures_[node.slot] = {replaced.start, replaced.length};
+        --top;
+    }
+    --top;
+}
+
+template <class Nodes>
+void Machine<Nodes>::dropTo(Registers& r, Record* mark) {
+    while (r.top > mark)
+        undo(r.top);
+}
+
+/// Goes back to the newest choice that is left; false when there is none.
+template <class Nodes>
+TAV_INLINE bool Machine<Nodes>::backtrack(Registers& r) {
+    while (r.top != stack_) {
+        bool resumed = false;
+        switch (sortOf(*r.top)) {
+        case sortAlternative:
+            resumed = nextAlternative(r);
+            break;
+        case sortGreedy:
+            resumed = giveBack(r);
+            break;
+        case sortLazy:
+            resumed = takeAnother(r);
+            break;
+        case sortIteration:
+            resumed = retryIteration(r);
+            break;
+        case sortEnterLazily:
+            resumed = enterLazily(r);
+            break;
+        case sortIterateLazily:
+            resumed = iterateLazily(r);
+            break;
+        case sortBody:
+            resumed = bodyFailed(r);
+            break;
+        case sortSlot:
+            restoreSlot(*r.top--);
+            break;
+        }
+        if (resumed) return true;
+    }
+    return false;
+}
+
+template class Machine<PlannedNodes>;
+template class Machine<DirectNodes>;
+
+} // namespace tav::regex

@@ -1,0 +1,158 @@
+// The backtracking machine: matches a program at one start position.
+//
+// It walks the nodes with its registers (position, node, levels left) and keeps what it may have to come back
+// to as records on a stack of its own, so the machine stack does not grow with the subject. Records that undo
+// a change lie on the same stack, between the choices that they belong to.
+//
+// Depth budget. Every construct that the path passes through takes one level, and backtracking gives it back;
+// a choice remembers the levels left where it was made. Without a level left a construct fails like a
+// mismatch. On any path the records take at most 24 bytes per level, so the budget also bounds the memory.
+#pragma once
+
+#include "regex/match/plan.h"
+
+#include <cstddef>
+
+namespace tav::regex {
+
+/// One record of the choice stack. A loop's iteration takes two: the one described here on top of one that
+/// holds what the iteration replaced.
+struct Record {
+    uint32_t what;  // the sort of record and the node it belongs to
+    int32_t at;     // subject offset to go on from; slot record: the group's former start
+    int32_t bound;  // repeat: lowest offset, or repetitions left; alternatives: the next OP_ALT_END
+    int32_t levels; // levels left at the choice
+};
+
+static_assert(sizeof(Record) == 16);
+
+enum class Outcome : uint8_t {
+    matched,
+    failed,
+    full, // the choice stack must grow before the machine can go on
+};
+
+/// The subject of a search.
+struct Subject {
+    const uint8_t* begin;
+    const uint8_t* end;   // of the usable part: what matching may consume
+    const uint8_t* limit; // of the bytes that may be read
+};
+
+/// Nodes that the plan holds ready.
+class PlannedNodes {
+public:
+    explicit PlannedNodes(const Plan& plan) : nodes_(plan.nodes) {}
+    const Node& operator[](int32_t pc) const { return nodes_[pc]; }
+
+private:
+    const Node* nodes_;
+};
+
+/// Nodes decoded as they are reached, for a program too long for the plan.
+class DirectNodes {
+public:
+    explicit DirectNodes(const Plan& plan) : plan_(plan) {}
+    Node operator[](int32_t pc) const;
+
+private:
+    uint32_t optionsAt(int32_t pc) const;
+    const Plan& plan_;
+};
+
+template <class Nodes>
+class Machine {
+public:
+    Machine(const Plan& plan, const Subject& subject, int32_t matchLimit);
+
+    /// Matches the whole program at `start`. When `notEmpty` is set, an empty match does not count.
+    Outcome match(const uint8_t* start, const uint8_t* end, bool notEmpty);
+
+    /// The end of the match just found.
+    const uint8_t* matchEnd() const { return matchEnd_; }
+
+private:
+    struct Registers {
+        const uint8_t* p;
+        int32_t pc;
+        int32_t levels;
+        Record* top; // the newest record; the first one lies behind a spare place
+    };
+
+    enum class Step : uint8_t { go, fail, full, done };
+
+    struct Run {
+        const uint8_t* lowest; // where the least number of repetitions ends; null when there are fewer
+        const uint8_t* end;
+    };
+
+    Outcome matchOnLargerStack();
+    Outcome run(Registers r);
+    Outcome resume() { return run(saved_); }
+    std::size_t nextCapacity() const;
+    void useStack(Record* memory, std::size_t capacity, std::size_t used);
+
+    Step step(Registers& r, const Node& node);
+    Step greedy(Registers& r, const Node& node);
+    Step lazy(Registers& r, const Node& node);
+    Step advanceLazily(Registers& r, const Node& node, int32_t pc, int32_t left);
+    Step enterGroup(Registers& r, const Node& node);
+    Step leaveGroup(Registers& r, const Node& node);
+    Step enterLoop(Registers& r, const Node& node);
+    Step leaveLoop(Registers& r, const Node& node);
+    Step enterLook(Registers& r, const Node& node);
+    Step enterAtomic(Registers& r, const Node& node);
+    Step leaveBody(Registers& r, const Node& node);
+    void pushIteration(Registers& r, const Node& node, int32_t opener, int32_t count);
+
+    bool backtrack(Registers& r);
+    bool nextAlternative(Registers& r);
+    bool giveBack(Registers& r);
+    bool takeAnother(Registers& r);
+    bool retryIteration(Registers& r);
+    bool enterLazily(Registers& r);
+    bool iterateLazily(Registers& r);
+    bool bodyFailed(Registers& r);
+
+    void restoreSlot(const Record& record);
+    void undo(Record*& top);
+    void dropTo(Registers& r, Record* mark);
+    void keepSlots(Registers& r, Record* base);
+
+    Run takeRun(const Node& node, int32_t pc, const uint8_t* p) const;
+    Run takeClass(const Node& node, int32_t pc, const uint8_t* p) const;
+    const uint8_t* consume(const Node& node, int32_t pc, const uint8_t* p) const;
+    const uint8_t* consumeWide(const Node& node, int32_t pc, const uint8_t* p) const;
+    const uint8_t* consumeReference(const Node& node, const uint8_t* p) const;
+    const uint8_t* stepBack(const Node& node, const uint8_t* p, const uint8_t* lowest) const;
+    bool matchesString(const Node& node, int32_t pc, const uint8_t* p) const;
+    bool holds(const Node& node, const uint8_t* p) const;
+    bool mayEndAt(const uint8_t* p, int32_t next) const;
+
+    int32_t offset(const uint8_t* p) const { return static_cast<int32_t>(p - begin_); }
+    bool hasRoom(const Registers& r, std::ptrdiff_t records) const { return stackEnd_ - r.top > records; }
+    Bracket& bracket(const Node& node) const { return plan_.brackets[node.index]; }
+
+    const Plan& plan_;
+    Nodes nodes_;
+    const uint8_t* begin_;
+    const uint8_t* end_;
+    const uint8_t* limit_;
+    const uint8_t* start_ = nullptr;
+    const uint8_t* matchEnd_ = nullptr;
+    Capture* captures_;
+    int32_t matchLimit_;
+    bool notEmpty_ = false;
+    bool capturesDirty_ = true;
+    Registers saved_{};
+    Record* stack_;
+    Record* stackEnd_;
+
+    static constexpr std::size_t firstCapacity = 256;
+    Record firstStack_[firstCapacity];
+};
+
+extern template class Machine<PlannedNodes>;
+extern template class Machine<DirectNodes>;
+
+} // namespace tav::regex

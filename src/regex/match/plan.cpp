@@ -1,0 +1,129 @@
+#include "regex/match/plan.h"
+
+#include "regex/match/analysis.h"
+#include "regex/match/classes.h"
+#include "regex/match/structure.h"
+
+#include <cstring>
+
+namespace tav::regex {
+
+namespace {
+
+constexpr uint64_t planSignature = 0x31'6E'61'6C'70'76'61'74; // "tavplan1"
+constexpr uint32_t matcherOptions = optionDotAll | optionMultiLine | optionCaseless;
+
+/// Hands out the work area from its start; what does not fit is refused as a whole.
+class Area {
+public:
+    explicit Area(tavRegExpContext& context) : base_(reinterpret_cast<uint8_t*>(context.workArea)) {}
+
+    template <class T>
+    T* take(std::size_t count) {
+        const std::size_t at = (used_ + alignof(T) - 1) & ~(alignof(T) - 1);
+        if (at > size || count > (size - at) / sizeof(T)) return nullptr;
+        used_ = at + count * sizeof(T);
+        return reinterpret_cast<T*>(base_ + at);
+    }
+
+    std::size_t left() const { return size - used_; }
+
+private:
+    static constexpr std::size_t size = sizeof(tavRegExpContext::workArea);
+    uint8_t* base_;
+    std::size_t used_ = 0;
+};
+
+bool isValid(const Plan& plan, const tavRegExpContext& context) {
+    return plan.signature == planSignature && plan.context == &context &&
+           plan.program.length == context.codeLength && plan.program.groupCount == context.groupCount &&
+           plan.program.options == context.options &&
+           std::memcmp(plan.copy, programOf(context),
+                       static_cast<std::size_t>(context.codeLength) * sizeof(Instruction)) == 0;
+}
+
+bool headerHolds(const tavRegExpContext& context) {
+    return context.codeLength >= 0 && context.groupCount >= 1 && context.groupCount <= bracketLimit + 1;
+}
+
+bool optionsNeverChange(const Program& program) {
+    for (int32_t pc = 0; pc < program.length; ++pc)
+        if ((optionsBehind(program.code[pc], program.options) ^ program.options) & matcherOptions)
+            return false;
+    return true;
+}
+
+bool hasOperation(const Program& program, uint32_t op) {
+    for (int32_t pc = 0; pc < program.length; ++pc)
+        if (program.code[pc].op == op) return true;
+    return false;
+}
+
+/// Decodes every instruction; the class tables take what is left of the area.
+void decodeAll(Plan& plan, Area& area) {
+    const Program& program = plan.program;
+    auto tables = static_cast<int32_t>(area.left() / ClassBuilder::bytesPerTable);
+    if (tables > ClassBuilder::maximum / 8) tables = ClassBuilder::maximum / 8;
+    plan.ascii = area.take<ClassTable>(static_cast<std::size_t>(tables));
+    plan.malformed = area.take<MalformedBits>(static_cast<std::size_t>(tables) * 8);
+    ClassBuilder classes(program, plan.ascii, plan.malformed, tables * 8);
+
+    uint32_t options = program.options;
+    int32_t members = 0; // members of a class reach up to here
+    for (int32_t pc = 0; pc < program.length; ++pc) {
+        Node& node = plan.nodes[pc];
+        node = Node{};
+        if (pc < members) continue;
+        const Instruction& at = program.code[pc];
+        const bool condition = pc > 0 && pc > members && program.code[pc - 1].op == OP_COND;
+        node = decode(program, pc, {options, openerOf(plan.brackets, at), condition});
+        if (node.item == Item::tested) classes.classify(pc, options, node);
+        options = optionsBehind(at, options);
+        if (at.op == OP_SET) members = pc + at.b + 1;
+    }
+    plan.nodes[program.length] = decode(program, program.length, {options, noNode, false});
+    plan.classCount = classes.count();
+}
+
+void build(Plan& plan, tavRegExpContext& context) {
+    plan.signature = 0;
+    plan.context = &context;
+    plan.program = programFrom(context);
+    plan.state = PlanState::malformed;
+    plan.start = StartFilter::none;
+    if (!headerHolds(context)) return;
+
+    Area area(context);
+    area.take<Plan>(1);
+    plan.bracketCount = countBrackets(plan.program);
+    plan.brackets = area.take<Bracket>(static_cast<std::size_t>(plan.bracketCount));
+    plan.captures = area.take<Capture>(static_cast<std::size_t>(context.groupCount));
+    if (!structureHolds(plan.program, plan.brackets, plan.bracketCount)) return;
+
+    plan.firstAlternative = nextAlternative(plan.program, 0, plan.program.length, 0);
+    plan.uniformOptions = optionsNeverChange(plan.program);
+    plan.hasBackReferences = hasOperation(plan.program, OP_BACKREF);
+    plan.seesEnd = true;
+    plan.capturesStay = false;
+    plan.state = PlanState::direct;
+    const auto length = static_cast<std::size_t>(context.codeLength);
+    plan.copy = area.take<Instruction>(length);
+    plan.nodes = area.take<Node>(length + 1);
+    if (plan.copy == nullptr || plan.nodes == nullptr) return;
+
+    std::memcpy(plan.copy, plan.program.code, length * sizeof(Instruction));
+    decodeAll(plan, area);
+    analyse(plan);
+    plan.state = PlanState::ready;
+    plan.signature = planSignature;
+}
+
+} // namespace
+
+const Plan& planFor(tavRegExpContext& context) {
+    Plan& plan = *reinterpret_cast<Plan*>(context.workArea);
+    if (!isValid(plan, context)) build(plan, context);
+    return plan;
+}
+
+} // namespace tav::regex

@@ -1,0 +1,79 @@
+// What the matcher knows about a program, kept in the context's work area.
+//
+// The plan is made by the first search and recognised by later ones: it carries a copy of the program it was
+// made from, and counts only while that copy, the context's address and the header fields that it depends on
+// are still those of the context. The area's bytes may be anything when a search begins.
+//
+//     work area:  Plan | brackets | captures | copy of the program | nodes | class tables
+//
+// A program too long for the area has no nodes and no tables; its instructions are decoded as they are
+// reached.
+#pragma once
+
+#include "regex/match/decode.h"
+
+namespace tav::regex {
+
+/// What a search knows of a bracket, by its id.
+struct Bracket {
+    int32_t opener; // index of the opening instruction
+    int32_t outer;  // id of the bracket around it
+    int32_t record; // index on the choice stack of its newest record
+};
+
+/// The text of a group, as offsets into the subject; length -1 when the group is not set.
+struct Capture {
+    int32_t start;
+    int32_t length;
+};
+
+/// Eight classes share one table of bytes, a bit each. It speaks of bytes below 0x80 only.
+using ClassTable = uint8_t[256];
+
+/// The bytes from 0x80 up that a class accepts when they are no part of a well-formed character.
+using MalformedBits = uint8_t[16];
+
+inline bool hasMalformed(const MalformedBits& bits, uint8_t byte) {
+    return (bits[(byte & 0x7F) / 8] >> (byte % 8) & 1) != 0;
+}
+
+/// Which start positions can begin a match.
+enum class StartFilter : uint8_t {
+    none,       // any
+    firstBytes, // those at a byte of `firstBytes`
+    literal,    // those where the literal of node 0 stands
+    lineStart,  // the subject's start, behind a line feed, the very end
+};
+
+enum class PlanState : uint8_t {
+    malformed, // the brackets do not fit together: nothing matches
+    direct,    // no nodes: the program is too long
+    ready,
+};
+
+struct Plan {
+    uint64_t signature;
+    const tavRegExpContext* context;
+    Program program;
+    PlanState state;
+    StartFilter start;
+    bool seesEnd;             // something in the program can tell where the usable subject ends
+    bool capturesStay;        // some capture is not restored on backtracking: clear all before each start
+    bool uniformOptions;      // no instruction changes the options that the matcher reads
+    bool hasBackReferences;   //
+    int32_t bracketCount;     //
+    int32_t classCount;       //
+    int32_t firstAlternative; // the first OP_ALT_END at top level
+    Bracket* brackets;
+    Capture* captures;
+    Instruction* copy;
+    Node* nodes;
+    ClassTable* ascii;
+    MalformedBits* malformed;
+    uint8_t firstBytes[256]; // 1: a match may start with this byte
+};
+
+/// The plan of a context: the one in its work area when it is still valid, otherwise a new one.
+const Plan& planFor(tavRegExpContext& context);
+
+} // namespace tav::regex
