@@ -13,6 +13,11 @@ namespace {
 
 using namespace tav::regex;
 
+constexpr bool lineStartHoldsAtTheVeryEnd = true;
+constexpr bool skipSeesTheByteBehind = false;
+constexpr bool conditionKeepsItsLevel = true;
+constexpr bool atomicIterationsKeepTheirLevels = true;
+
 constexpr bool isAsciiLetter(uint32_t c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
@@ -314,7 +319,7 @@ bool Engine::repeatLazy(int32_t pc, const Repetition& repeat, Path path, Bracket
         if (count > repeat.max) return false;
         if (count >= repeat.min) {
             const bool skipped =
-                skips && (path.at >= subject_.length ||
+                skips && (path.at >= (skipSeesTheByteBehind ? subject_.length : end_) ||
                           subject_.bytes[path.at] != static_cast<uint8_t>(program_.code[repeat.next].a));
             if (!skipped && match(repeat.next, path, inside)) return true;
         }
@@ -495,7 +500,7 @@ bool Engine::assertionHolds(uint8_t kind, Path path) const {
     case 'G':
         return atStart;
     case anchorLineStart:
-        return atStart || afterLineFeed;
+        return atStart || afterLineFeed || (lineStartHoldsAtTheVeryEnd && left == 0);
     case 'b':
     case 'B': {
         // Deliberate: the byte behind the subject's end is looked at too.
@@ -575,6 +580,7 @@ bool Engine::conditional(int32_t pc, Path path, Bracket& body) {
     } else {
         Path inCondition = path;
         holds = enterLevel(inCondition) && lookaroundHolds(pc + 1, inCondition);
+        if (conditionKeepsItsLevel) path.depth = inCondition.depth;
         branch = pc + 1 + condition.b + 2;
     }
     if (!holds) {
@@ -600,11 +606,13 @@ bool Engine::atomicIterations(GroupRun& run, int32_t done, Path path) {
     const Repetition& repeat = run.repeat;
     const auto rest = [&](Path from) { return match(repeat.next, from, run.outer); };
     if (repeat.lazy && done >= repeat.min && rest(path)) return true;
-    if (done < repeat.max) {
+    Path iteration = path;
+    const bool hasLevel = !atomicIterationsKeepTheirLevels || done == 0 || enterLevel(iteration);
+    if (done < repeat.max && hasLevel) {
         const std::vector<Span> before = slots_;
         BodyAlone body(program_.code[run.open].a, run.close);
-        if (alternatives(run.open + 1, path, body)) {
-            Path after = path;
+        if (alternatives(run.open + 1, iteration, body)) {
+            Path after = iteration;
             after.at = body.endedAt;
             if (after.at == path.at ? rest(after) : atomicIterations(run, done + 1, after)) return true;
         }
