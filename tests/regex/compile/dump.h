@@ -1,6 +1,10 @@
 // Writes a compiled program as text, so that tests can state the program they expect:
+// a*(b|c) is
 //
-// One instruction per entry, separated by " | ", the operands that are always 0 left out.
+//   CHAR 'a' | GREEDY 0..inf | CAPTURE id=1 body=3 slot=1 | CHAR 'b' | ALT_END id=1 | CHAR 'c' | GROUP_END
+//   id=1
+//
+// Operands that are 0 and mean nothing are left out; "o" stands for option bits, "not" for a negation.
 #pragma once
 
 #include "regex/match/program.h"

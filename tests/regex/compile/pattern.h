@@ -1,6 +1,6 @@
 // Compiles a pattern for a test in surroundings that catch every step outside: the pattern and the options
-// end where a forbidden page begins, the block has exactly the stated size and ends at one too, and its work
-// area is watched.
+// end where a forbidden page begins, the block has exactly the stated size and ends at one too, and all of it
+// is filled beforehand, so that a test can tell what was written.
 #pragma once
 
 #include "base/guarded_buffer.h"
@@ -8,23 +8,54 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace tavtest {
 
+/// A guarded buffer of at least `count` elements. Ordinary sizes are kept for the next user: mapping pages is
+/// slow.
+template <class E>
+class ReusedBuffer {
+public:
+    explicit ReusedBuffer(std::size_t count) {
+        if (count <= ordinary && !idle().empty()) {
+            buffer_ = std::move(idle().back());
+            idle().pop_back();
+        } else {
+            buffer_ = std::make_unique<GuardedBuffer<E>>(std::max(count, ordinary));
+        }
+    }
+    ~ReusedBuffer() {
+        if (buffer_->capacity() == ordinary) idle().push_back(std::move(buffer_));
+    }
+    ReusedBuffer(const ReusedBuffer&) = delete;
+    ReusedBuffer& operator=(const ReusedBuffer&) = delete;
+
+    GuardedBuffer<E>* operator->() { return buffer_.get(); }
+
+private:
+    static constexpr std::size_t ordinary = 64 * 1024 / sizeof(E);
+    static std::vector<std::unique_ptr<GuardedBuffer<E>>>& idle() {
+        static std::vector<std::unique_ptr<GuardedBuffer<E>>> buffers;
+        return buffers;
+    }
+
+    std::unique_ptr<GuardedBuffer<E>> buffer_;
+};
+
 class Pattern {
 public:
-    /// `options` absent: a null pointer is passed.
-    explicit Pattern(const std::string& pattern, const std::optional<std::string>& options = std::nullopt)
-        : block_((24 * pattern.size() + 48056) / 8) {
-        GuardedBuffer<char> patternText(pattern.size() + 1);
-        GuardedBuffer<char> optionText(options ? options->size() + 1 : 1);
-        std::fill_n(words(), wordCount(), filler);
-        status_ =
-            tavsRegExpInit(patternText.copyToTail(pattern.c_str(), pattern.size() + 1),
-                           options ? optionText.copyToTail(options->c_str(), options->size() + 1) : nullptr,
-                           &context(), &errOffset_);
+    explicit Pattern(const std::string& pattern, const char* options = nullptr)
+        : wordCount_((24 * pattern.size() + 48056) / 8), block_(wordCount_) {
+        ReusedBuffer<char> patternText(pattern.size() + 1);
+        const std::size_t optionSize = options != nullptr ? std::strlen(options) + 1 : 0;
+        ReusedBuffer<char> optionText(optionSize);
+        std::fill_n(words(), wordCount_, filler);
+        status_ = tavsRegExpInit(patternText->copyToTail(pattern.c_str(), pattern.size() + 1),
+                                 options != nullptr ? optionText->copyToTail(options, optionSize) : nullptr,
+                                 &context(), &errOffset_);
     }
 
     tavStatus status() const { return status_; }
@@ -39,17 +70,17 @@ public:
         return std::all_of(std::begin(area), std::end(area), [](uint64_t word) { return word == filler; });
     }
     bool untouched() {
-        return std::all_of(words(), words() + wordCount(), [](uint64_t word) { return word == filler; });
+        return std::all_of(words(), words() + wordCount_, [](uint64_t word) { return word == filler; });
     }
 
     static constexpr int32_t noOffset = -77;
     static constexpr uint64_t filler = 0xA5C3A5C3A5C3A5C3u;
 
 private:
-    std::size_t wordCount() const { return block_.capacity(); }
-    uint64_t* words() { return block_.tail(block_.capacity()); }
+    uint64_t* words() { return block_->tail(wordCount_); }
 
-    GuardedBuffer<uint64_t> block_;
+    std::size_t wordCount_;
+    ReusedBuffer<uint64_t> block_;
     tavStatus status_ = tavStsNoError;
     int32_t errOffset_ = noOffset;
 };
