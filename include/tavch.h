@@ -265,6 +265,117 @@ tavStatus tavsFindRevCAny_16u(const uint16_t* pSrc, int32_t len, const uint16_t*
                               int32_t* pIndex);
 
 /* ------------------------------------------------------------------------------------------------------- */
+/* UTF-8 and UTF-16                                                                                        */
+
+/*
+ * Both conversions take as much text as fits and report through their in/out counts how far they got; to go
+ * on after a full destination, call again with what lies behind the consumed part. Text is never refused:
+ * what is malformed passes through by the rules below, so every input has exactly one output. No element
+ * outside the given counts is read, and nothing behind the written count is changed.
+ *
+ * Counts are unsigned, in elements, so there is no negative length. The source and the destination must not
+ * overlap. The cost is linear in the length of the source.
+ *
+ * bigEndian 0 means 16-bit units in the machine's (little-endian) order. For any other value, units are
+ * exchanged with a big-endian partner:
+ *   - from UTF-16, the bytes of every unit are swapped before it is looked at;
+ *   - to UTF-16, the bytes of every unit are swapped, but a surrogate pair is stored low surrogate first,
+ *     both in the machine's order. A caller who needs plain UTF-16BE converts with 0 and swaps the bytes of
+ *     the result.
+ */
+
+/**
+ * Converts UTF-8 to UTF-16.
+ *
+ * A character is a sequence of one to six bytes in the shortest form of its value. Anything else is taken
+ * byte by byte: when a sequence is cut off, not in its shortest form, or interrupted by a byte that is not a
+ * continuation byte, its first byte becomes the unit of the same value (0x80 to 0xFF) and conversion goes on
+ * at the byte behind it. That holds at the end of the source too; a caller who converts in blocks therefore
+ * keeps back a sequence that a block cuts off (at most five bytes) and puts it before the next block.
+ *
+ * Three-byte forms of surrogates (U+D800 to U+DFFF) become single units. Values from 0x10000 become a pair;
+ * those above U+10FFFF keep only the low 20 bits of their distance from 0x10000.
+ *
+ * @param src        UTF-8 text
+ * @param srcLen     in: number of bytes at src; out: number of bytes consumed
+ * @param dst        receives the units
+ * @param dstLen     in: capacity of dst in units; out: number of units written
+ * @param bigEndian  0, or another value for the mode described above
+ * @return tavStsNullPointer: a pointer is null (the counts are left alone); tavStsNoError, however much fitted.
+ * @note   A capacity of srcLen units is always enough. A pair that does not fit is neither written nor
+ *         consumed, so a full destination may report one unit less than its capacity. When either count is 0
+ *         on entry, both are 0 on return.
+ *
+ *     uint32_t bytes = textLength, units = CAPACITY;
+ *     tavsConvertUTF_8u16u(text, &bytes, wide, &units, 0);
+ *     if (bytes < textLength) continueAt(text + bytes);   // wide is full
+ */
+tavStatus tavsConvertUTF_8u16u(const uint8_t* src, uint32_t* srcLen, uint16_t* dst, uint32_t* dstLen,
+                               int32_t bigEndian);
+
+/**
+ * Converts UTF-16 to UTF-8.
+ *
+ * A surrogate pair becomes four bytes, every other unit its form of one to three bytes; that includes a
+ * surrogate without partner, also a high surrogate that is the last unit of the source. A caller who converts
+ * in blocks therefore keeps back a high surrogate at a block's end and puts it before the next block.
+ *
+ * @param src        UTF-16 text
+ * @param srcLen     in: number of units at src; out: number of units consumed
+ * @param dst        receives the bytes
+ * @param dstLen     in: capacity of dst in bytes; out: number of bytes written
+ * @param bigEndian  0, or another value when every unit of src has its bytes swapped
+ * @return tavStsNullPointer: a pointer is null (the counts are left alone); tavStsNoError, however much fitted.
+ * @note   A capacity of three bytes a unit is always enough. Conversion stops before the first character that
+ *         does not fit whole: up to three bytes of the capacity may stay unused. When either count is 0 on
+ *         entry, both are 0 on return.
+ */
+tavStatus tavsConvertUTF_16u8u(const uint16_t* src, uint32_t* srcLen, uint8_t* dst, uint32_t* dstLen,
+                               int32_t bigEndian);
+
+/* ------------------------------------------------------------------------------------------------------- */
+/* Case of all letters                                                                                     */
+
+/*
+ * These map one 16-bit unit to one unit, by the simple case mappings of Unicode 2.0: no context (a final
+ * sigma), no language, no result of two units. Units without a mapping stay as they are, among them all
+ * surrogates - and so all characters outside the Basic Multilingual Plane - and every character that
+ * Unicode 2.0 did not have. Some letters known to have a partner stay as well: U+00B5 and U+03C2 have no
+ * upper case, U+2126, U+212A and U+212B no lower case. U+0130 has the lower case "i", U+0131 the upper
+ * case "I", and neither way back exists. tavsLowercaseLatin_16u and its family change ASCII letters only.
+ */
+
+/**
+ * Writes the lower case of a string.
+ *
+ * @param src  string
+ * @param dst  receives len units; may be equal to src, but must not overlap it otherwise
+ * @param len  number of units
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ */
+tavStatus tavsLowercase_16u(const uint16_t* src, uint16_t* dst, int32_t len);
+/** Turns a string into lower case in place. Statuses as for tavsLowercase_16u. */
+tavStatus tavsLowercase_16u_I(uint16_t* srcDst, int32_t len);
+/** Writes the upper case of a string: arguments and statuses of tavsLowercase_16u. */
+tavStatus tavsUppercase_16u(const uint16_t* src, uint16_t* dst, int32_t len);
+/** Turns a string into upper case in place. Statuses as for tavsLowercase_16u. */
+tavStatus tavsUppercase_16u_I(uint16_t* srcDst, int32_t len);
+
+/**
+ * Compares two strings of one length by the lower case of their units.
+ *
+ * @param src1    first string
+ * @param src2    second string
+ * @param len     number of units compared; both strings have at least this many, zeros are units like others
+ * @param result  receives 0 when the lower cases are equal, else their difference at the first index at which
+ *                they differ: the unit of src1 minus that of src2, -65535 to 65535
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ * @note   *result is written on success only; len 0 gives 0. Letters that share only their upper case (s and
+ *         U+017F, i and U+0131) differ.
+ */
+tavStatus tavsCompareIgnoreCase_16u(const uint16_t* src1, const uint16_t* src2, int32_t len, int32_t* result);
+
+/* ------------------------------------------------------------------------------------------------------- */
 /* Regular expressions: the objects                                                                        */
 
 /**

@@ -6,6 +6,8 @@
 #include "regex/match/search.h"
 #include "strings/compare.h"
 #include "strings/find.h"
+#include "unicode/case.h"
+#include "unicode/convert.h"
 
 namespace tav {
 

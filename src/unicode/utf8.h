@@ -24,8 +24,13 @@ constexpr int32_t utf8Length(uint32_t value) {
                                 : 6;
 }
 
-/// The sequence at `p`, which lies before `end`; nothing at or behind `end` is read.
-constexpr Utf8Sequence decodeUtf8(const uint8_t* p, const uint8_t* end) {
+constexpr bool isContinuation(uint8_t byte) {
+    return (byte & 0xC0) == 0x80;
+}
+
+/// The rule itself, for sequences of every length: the sequence at `p`, which lies before `end`; nothing at
+/// or behind `end` is read.
+constexpr Utf8Sequence decodeUtf8ByRule(const uint8_t* p, const uint8_t* end) {
     const uint8_t lead = *p;
     if (lead < 0x80) return {lead, 1, false};
     const Utf8Sequence malformed = {lead, 1, true};
@@ -33,11 +38,25 @@ constexpr Utf8Sequence decodeUtf8(const uint8_t* p, const uint8_t* end) {
     if (length < 2 || length > 6 || end - p < length) return malformed;
     uint32_t value = lead & (0x7Fu >> length);
     for (int i = 1; i < length; ++i) {
-        if ((p[i] & 0xC0) != 0x80) return malformed;
+        if (!isContinuation(p[i])) return malformed;
         value = value << 6 | (p[i] & 0x3Fu);
     }
     if (utf8Length(value) != length) return malformed;
     return {value, length, false};
+}
+
+/// The same, with the frequent lengths written out.
+constexpr Utf8Sequence decodeUtf8(const uint8_t* p, const uint8_t* end) {
+    const uint8_t lead = *p;
+    if (lead < 0x80) return {lead, 1, false};
+    if (lead >= 0xC2 && lead <= 0xDF && end - p >= 2 && isContinuation(p[1]))
+        return {(lead & 0x1Fu) << 6 | (p[1] & 0x3Fu), 2, false};
+    if ((lead & 0xF0) == 0xE0 && end - p >= 3 && isContinuation(p[1]) && isContinuation(p[2])) {
+        const uint32_t value = (lead & 0x0Fu) << 12 | (p[1] & 0x3Fu) << 6 | (p[2] & 0x3Fu);
+        if (value > 0x7FF) return {value, 3, false};
+    }
+    if (lead < 0xF0) return {lead, 1, true};
+    return decodeUtf8ByRule(p, end);
 }
 
 } // namespace tav::unicode
