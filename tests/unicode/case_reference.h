@@ -19,7 +19,7 @@ public:
         for (const std::size_t unit : {0x019Fu, 0x01A6u})
             toLower_[unit] = 0;
         toUpper_[0x0258] = 0x018E;
-        for (const std::size_t unit : {0x01DD, 0x0275, 0x0280, 0x0345, 0x03C2, 0x03F2, 0x1E9B, 0x1FBE})
+        for (const std::size_t unit : {0x01DDu, 0x0275u, 0x0280u, 0x0345u, 0x03C2u, 0x03F2u, 0x1E9Bu, 0x1FBEu})
             toUpper_[unit] = 0;
     }
 
