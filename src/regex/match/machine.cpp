@@ -103,6 +103,7 @@ void Machine<Nodes>::useStack(Record* memory, std::size_t capacity, std::size_t 
 template <class Nodes>
 Outcome Machine<Nodes>::match(const uint8_t* start, const uint8_t* end, bool notEmpty) {
     start_ = start;
+    failedUpTo_ = start;
     end_ = end;
     notEmpty_ = notEmpty;
     if (capturesDirty_ || plan_.capturesStay)
@@ -427,6 +428,7 @@ template <class Nodes>
 TAV_INLINE auto Machine<Nodes>::greedy(Registers& r, const Node& node) -> Step {
     if (node.min > 0 && r.p >= end_) return Step::fail;
     const Run run = takeRun(node, r.pc, r.p);
+    if (node.has(traitLeading)) failedUpTo_ = run.end;
     if (run.lowest == nullptr) return Step::fail;
     const int32_t pc = r.pc;
     const uint8_t* q = run.end;
@@ -485,7 +487,7 @@ TAV_INLINE auto Machine<Nodes>::advanceLazily(Registers& r, const Node& node, in
     -> Step {
     const uint8_t* p = r.p;
     if (node.follows >= 0) {
-        while (p >= end_ || *p != node.follows) {
+        while (p >= limit_ || *p != node.follows) {
             if (left == 0 || p >= end_) return Step::fail;
             const uint8_t* q = consume(node, pc, p);
             if (q == nullptr || q == p) return Step::fail;
@@ -613,7 +615,8 @@ TAV_INLINE auto Machine<Nodes>::leaveLoop(Registers& r, const Node& node) -> Ste
         slot = {began, offset(r.p) - began};
     }
     const bool isLazy = node.has(traitLazy);
-    const bool more = offset(r.p) != began && count < node.max;
+    if (r.p > end_ && (count < node.min || !mayEndAt(r.p, node.next))) return Step::fail;
+    const bool more = offset(r.p) != began && count < node.max && r.p <= end_;
     if (more && !(isLazy && count >= node.min)) {
         if (r.levels == 0) return Step::fail;
         --r.levels;
@@ -661,6 +664,12 @@ TAV_INLINE bool Machine<Nodes>::retryIteration(Registers& r) {
 // --- Lookaround and atomic groups
 // ---------------------------------------------------------------------------
 
+/// A condition gives its level back before the branch it has chosen begins.
+template <class Nodes>
+bool Machine<Nodes>::isCondition(int32_t look) const {
+    return look > 0 && plan_.program.code[look - 1].op == OP_COND;
+}
+
 template <class Nodes>
 auto Machine<Nodes>::enterLook(Registers& r, const Node& node) -> Step {
     if (!hasRoom(r, 2)) return Step::full;
@@ -670,6 +679,7 @@ auto Machine<Nodes>::enterLook(Registers& r, const Node& node) -> Step {
             p = p == begin_ ? nullptr : previousCharacter(p, begin_, limit_);
         if (p == nullptr) {
             if (node.other == noNode) return Step::fail;
+            if (isCondition(r.pc)) ++r.levels;
             r.pc = node.other;
             return Step::go;
         }
@@ -716,7 +726,8 @@ auto Machine<Nodes>::leaveBody(Registers& r, const Node& closing) -> Step {
     } else {
         dropTo(r, mark - 1);
     }
-    if (node.next == noNode) return Step::fail;
+    if (isCondition(closing.other)) ++r.levels;
+    if (node.next == noNode || !mayEndAt(r.p, node.next)) return Step::fail;
     r.pc = node.next;
     return Step::go;
 }
@@ -728,7 +739,7 @@ bool Machine<Nodes>::bodyFailed(Registers& r) {
     if (node.kind != Kind::look || node.other == noNode) return false;
     r.p = begin_ + record.at;
     r.pc = node.other;
-    r.levels = record.levels;
+    r.levels = record.levels + (isCondition(nodeOf(record)) ? 1 : 0);
     return true;
 }
 

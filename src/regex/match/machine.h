@@ -71,6 +71,9 @@ public:
     /// The end of the match just found.
     const uint8_t* matchEnd() const { return matchEnd_; }
 
+    /// After a failure: attempts that begin before this position would fail too.
+    const uint8_t* failedUpTo() const { return failedUpTo_; }
+
 private:
     struct Registers {
         const uint8_t* p;
@@ -127,6 +130,7 @@ private:
     const uint8_t* stepBack(const Node& node, const uint8_t* p, const uint8_t* lowest) const;
     bool matchesString(const Node& node, int32_t pc, const uint8_t* p) const;
     bool holds(const Node& node, const uint8_t* p) const;
+    bool isCondition(int32_t look) const;
     bool mayEndAt(const uint8_t* p, int32_t next) const;
 
     int32_t offset(const uint8_t* p) const { return static_cast<int32_t>(p - begin_); }
@@ -140,6 +144,7 @@ private:
     const uint8_t* limit_;
     const uint8_t* start_ = nullptr;
     const uint8_t* matchEnd_ = nullptr;
+    const uint8_t* failedUpTo_ = nullptr;
     Capture* captures_;
     int32_t matchLimit_;
     bool notEmpty_ = false;

@@ -56,6 +56,7 @@ enum Trait : uint16_t {
     traitMultiAll = 1 << 11,   // the class accepts every well-formed character beyond ASCII
     traitMultiTest = 1 << 12,  // such characters must be tested one by one
     traitPossessive = 1 << 13, // giving back what the repeat took can never help
+    traitLeading = 1 << 14,    // when the attempt fails, so do those that begin inside this repeat's run
 };
 
 inline constexpr int32_t noNode = -1;

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "regex/match/decode.h"
+#include "regex/match/prefix.h"
 
 namespace tav::regex {
 
@@ -39,10 +40,10 @@ inline bool hasMalformed(const MalformedBits& bits, uint8_t byte) {
 
 /// Which start positions can begin a match.
 enum class StartFilter : uint8_t {
-    none,       // any
-    firstBytes, // those at a byte of `firstBytes`
-    literal,    // those where the literal of node 0 stands
-    lineStart,  // the subject's start, behind a line feed, the very end
+    none,      // any
+    prefix,    // those that `prefix` accepts
+    literal,   // those where the literal of node 0 stands
+    lineStart, // the subject's start, or behind a line feed
 };
 
 enum class PlanState : uint8_t {
@@ -70,7 +71,7 @@ struct Plan {
     Node* nodes;
     ClassTable* ascii;
     MalformedBits* malformed;
-    uint8_t firstBytes[256]; // 1: a match may start with this byte
+    Prefix prefix;
 };
 
 /// The plan of a context: the one in its work area when it is still valid, otherwise a new one.

@@ -61,7 +61,7 @@ public:
 private:
     /// Tries the start positions from `p` on.
     bool attempt(const uint8_t* p, const uint8_t* end, bool notEmpty) {
-        for (p = starts_.from(p, end); p != nullptr; p = starts_.after(p, end)) {
+        for (p = starts_.from(p, end); p != nullptr; p = starts_.after(p, machine_.failedUpTo(), end)) {
             if (machine_.match(p, end, notEmpty) != Outcome::matched) continue;
             start_ = p;
             return true;

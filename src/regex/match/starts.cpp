@@ -2,6 +2,7 @@
 
 #include "regex/match/characters.h"
 #include "strings/find.h"
+#include "strings/scan.h"
 
 namespace tav::regex {
 
@@ -24,8 +25,8 @@ StartMode startModeOf(const Program& program) {
 const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) const {
     if (mode_ != StartMode::every) return p;
     switch (plan_.start) {
-    case StartFilter::firstBytes:
-        return nextFirstByte(p, end);
+    case StartFilter::prefix:
+        return nextPrefix(p, end);
     case StartFilter::literal:
         return nextLiteral(p, end);
     case StartFilter::lineStart:
@@ -36,10 +37,10 @@ const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) const {
     return p;
 }
 
-const uint8_t* Starts::after(const uint8_t* p, const uint8_t* end) const {
+const uint8_t* Starts::after(const uint8_t* p, const uint8_t* known, const uint8_t* end) const {
     if (mode_ == StartMode::only || p >= end) return nullptr;
     if (mode_ == StartMode::lines) return nextLine(p, end);
-    p = advance(p);
+    p = p < known ? known : advance(p);
     return p <= end ? from(p, end) : nullptr;
 }
 
@@ -61,14 +62,65 @@ const uint8_t* Starts::nextLine(const uint8_t* p, const uint8_t* end) const {
 }
 
 const uint8_t* Starts::nextLineStart(const uint8_t* p, const uint8_t* end) const {
-    if (p == subject_.begin || p[-1] == '\n' || p == end) return p;
-    return nextLine(p, end);
+    if (p == subject_.begin || p[-1] == '\n') return p;
+    const int32_t lineFeed = indexOf<uint8_t>(p, static_cast<int32_t>(end - p), '\n');
+    return lineFeed < 0 ? nullptr : p + lineFeed + 1;
 }
 
-const uint8_t* Starts::nextFirstByte(const uint8_t* p, const uint8_t* end) const {
-    for (const uint8_t* q = p; q < end; ++q)
-        if (plan_.firstBytes[*q] && isStart(q, p)) return q;
-    return nullptr;
+const uint8_t* Starts::nextPrefix(const uint8_t* p, const uint8_t* end) const {
+    constexpr std::ptrdiff_t near = 8; // a scan costs more to set up than to look at these one by one
+    const Prefix& prefix = plan_.prefix;
+    const uint8_t* const last = end - prefix.length;
+    const uint8_t* const stop = prefix.anchors == 0 || last - p < near ? last : p + near;
+    const uint8_t* q = p;
+    for (; q <= stop; ++q)
+        if (prefix.accepts(q) && isStart(q, p)) return q;
+    return q <= last ? scanForPrefix(q, p, end) : nullptr;
+}
+
+namespace {
+
+/// All ones where a byte lies in one of the ranges.
+class RangeTest {
+public:
+    explicit RangeTest(const ByteRanges& ranges) : count_(ranges.count) {
+        for (int32_t i = 0; i < ByteRanges::maximum; ++i) {
+            const int32_t used = i < count_ ? i : 0;
+            range_[i] = VectorRange<uint8_t>(ranges.first[used], ranges.last[used]);
+        }
+    }
+
+    Vector<uint8_t> operator()(Vector<uint8_t> bytes) const {
+        Vector<uint8_t> in = range_[0].contains(bytes);
+        if (count_ > 1) in = in | range_[1].contains(bytes);
+        if (count_ > 2) in = in | range_[2].contains(bytes);
+        return in;
+    }
+
+private:
+    int32_t count_;
+    VectorRange<uint8_t> range_[ByteRanges::maximum] = {{0, 0}, {0, 0}, {0, 0}};
+};
+
+} // namespace
+
+const uint8_t* Starts::scanForPrefix(const uint8_t* p, const uint8_t* floor, const uint8_t* end) const {
+    const Prefix& prefix = plan_.prefix;
+    const RangeTest rarest(prefix.ranges[0]);
+    const uint8_t* const rarestText = p + prefix.offset[0];
+    const auto accept = [&](int64_t at) { return prefix.accepts(p + at) && isStart(p + at, floor); };
+    const auto rough = [&](const auto& block) { return rarest(block.load(rarestText)); };
+    const int64_t count = end - p - prefix.length + 1;
+    int64_t found = -1;
+    if (prefix.anchors == 1) {
+        found = scanForward<Seek::hit, uint8_t>(count, rough, rough, accept);
+    } else {
+        const RangeTest second(prefix.ranges[1]);
+        const uint8_t* const secondText = p + prefix.offset[1];
+        const auto both = [&](const auto& block) { return rough(block) & second(block.load(secondText)); };
+        found = scanForward<Seek::hit, uint8_t>(count, both, both, accept);
+    }
+    return found < 0 ? nullptr : p + found;
 }
 
 const uint8_t* Starts::nextLiteral(const uint8_t* p, const uint8_t* end) const {

@@ -25,13 +25,15 @@ public:
     /// none.
     const uint8_t* from(const uint8_t* p, const uint8_t* end) const;
 
-    /// The position to go on with when the attempt at `p` has failed; null when there is none.
-    const uint8_t* after(const uint8_t* p, const uint8_t* end) const;
+    /// The position to go on with when the attempt at `p` has failed and those before `known` would fail too;
+    /// null when there is none.
+    const uint8_t* after(const uint8_t* p, const uint8_t* known, const uint8_t* end) const;
 
 private:
     const uint8_t* advance(const uint8_t* p) const;
     const uint8_t* nextLine(const uint8_t* p, const uint8_t* end) const;
-    const uint8_t* nextFirstByte(const uint8_t* p, const uint8_t* end) const;
+    const uint8_t* nextPrefix(const uint8_t* p, const uint8_t* end) const;
+    const uint8_t* scanForPrefix(const uint8_t* p, const uint8_t* floor, const uint8_t* end) const;
     const uint8_t* nextLiteral(const uint8_t* p, const uint8_t* end) const;
     const uint8_t* nextLineStart(const uint8_t* p, const uint8_t* end) const;
     bool isStart(const uint8_t* q, const uint8_t* floor) const;

@@ -1,0 +1,169 @@
+#include "regex/match/first_bytes.h"
+
+#include "regex/match/characters.h"
+
+namespace tav::regex {
+
+namespace {
+
+void addClass(const Plan& plan, const Node& node, ByteSet& bytes) {
+    const ClassTable& table = plan.ascii[node.index / 8];
+    for (uint32_t byte = 0; byte < 0x80; ++byte)
+        if (table[byte] & node.mask) bytes.add(static_cast<uint8_t>(byte));
+    const MalformedBits& malformed = plan.malformed[node.index];
+    for (uint32_t byte = 0x80; byte < 0x100; ++byte)
+        if (hasMalformed(malformed, static_cast<uint8_t>(byte))) bytes.add(static_cast<uint8_t>(byte));
+    if (node.has(traitMultiAll) || node.has(traitMultiTest)) bytes.addLeads();
+}
+
+/// Walks all paths from an instruction to the first byte consumed, with a bound on the work.
+class FirstBytes {
+public:
+    FirstBytes(const Plan& plan, int32_t fuel) : plan_(plan), fuel_(fuel) {}
+
+    First from(int32_t pc) {
+        walk(pc);
+        return first_;
+    }
+
+private:
+    void walk(int32_t pc) {
+        while (pc != noNode) {
+            if (--fuel_ < 0) {
+                first_.giveUp();
+                return;
+            }
+            pc = step(pc);
+        }
+    }
+
+    /// Adds what the node consumes; the next node when it may consume nothing, else noNode.
+    int32_t step(int32_t pc) {
+        const Node& node = plan_.nodes[pc];
+        switch (node.kind) {
+        case Kind::fail:
+            return noNode;
+        case Kind::byte:
+        case Kind::byteCaseless:
+            addItem(plan_, node, first_.bytes);
+            return noNode;
+        case Kind::string:
+        case Kind::stringCaseless:
+            return addString(pc, node);
+        case Kind::item:
+        case Kind::greedy:
+        case Kind::lazy:
+            return addRepeat(node);
+        case Kind::assertion:
+        case Kind::pass:
+            return node.next;
+        case Kind::group:
+        case Kind::loop:
+        case Kind::atomic:
+        case Kind::atomicLoop:
+            return enter(pc, node);
+        case Kind::groupEnd:
+            return node.next;
+        case Kind::loopEnd:
+            return leaveLoop(node);
+        case Kind::look:
+        case Kind::conditionGroup:
+            return branch(node);
+        case Kind::bodyEnd: // the body has succeeded here, whatever stands behind it
+        case Kind::matchEnd:
+        case Kind::alternativeEnd:
+            first_.canBeEmpty = true;
+            return noNode;
+        }
+        return noNode;
+    }
+
+    int32_t addString(int32_t pc, const Node& node) {
+        const Instruction& string = plan_.program.code[pc];
+        if (string.b == 0) return node.next;
+        const uint8_t byte = *static_cast<const uint8_t*>(string.text);
+        first_.bytes.add(byte);
+        if (node.kind == Kind::stringCaseless && isAsciiLetter(byte)) first_.bytes.add(byte ^ 0x20);
+        return noNode;
+    }
+
+    int32_t addRepeat(const Node& node) {
+        if (node.max > 0) addItem(plan_, node, first_.bytes);
+        if (node.item == Item::backReference) return node.next;
+        return node.kind != Kind::item && node.min <= 0 ? node.next : noNode;
+    }
+
+    int32_t enter(int32_t pc, const Node& node) {
+        if ((node.kind == Kind::loop || node.kind == Kind::atomicLoop) && node.min <= 0) walk(node.next);
+        addAlternatives(pc, node);
+        return noNode;
+    }
+
+    void addAlternatives(int32_t pc, const Node& node) {
+        walk(pc + 1);
+        for (int32_t marker = node.link; marker != noNode; marker = plan_.nodes[marker].link)
+            walk(marker + 1);
+    }
+
+    /// Another iteration or what follows. The body is looked into once per loop: entered again, it adds
+    /// nothing.
+    int32_t leaveLoop(const Node& node) {
+        const int32_t opener = node.other;
+        if (isWithin(opener)) return node.next;
+        if (depth_ == maximumDepth) {
+            first_.giveUp();
+            return noNode;
+        }
+        loops_[depth_++] = opener;
+        addAlternatives(opener, plan_.nodes[opener]);
+        --depth_;
+        return node.next;
+    }
+
+    bool isWithin(int32_t opener) const {
+        for (int32_t i = 0; i < depth_; ++i)
+            if (loops_[i] == opener) return true;
+        return false;
+    }
+
+    /// A lookaround consumes nothing; a condition leads to either branch.
+    int32_t branch(const Node& node) {
+        if (node.other != noNode) walk(node.other);
+        return node.next;
+    }
+
+    static constexpr int32_t maximumDepth = 8;
+    const Plan& plan_;
+    int32_t fuel_;
+    First first_;
+    int32_t loops_[maximumDepth] = {};
+    int32_t depth_ = 0;
+};
+
+constexpr int32_t workBound = 60;
+
+} // namespace
+
+void addItem(const Plan& plan, const Node& node, ByteSet& bytes) {
+    switch (node.item) {
+    case Item::byte:
+        bytes.add(node.byte);
+        break;
+    case Item::byteCaseless:
+        bytes.add(node.byte);
+        bytes.add(node.byte & 0xDF);
+        break;
+    case Item::charClass:
+        addClass(plan, node, bytes);
+        break;
+    default:
+        bytes.addAll();
+        break;
+    }
+}
+
+First firstBytesFrom(const Plan& plan, int32_t pc) {
+    return FirstBytes(plan, workBound).from(pc);
+}
+
+} // namespace tav::regex
