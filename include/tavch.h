@@ -135,7 +135,7 @@ tavStatus tavsCompare_16u(const uint16_t* pSrc1, const uint16_t* pSrc2, int32_t 
  * @note   *pResult is written on success only.
  */
 tavStatus tavsCompareIgnoreCaseLatin_8u(const uint8_t* pSrc1, const uint8_t* pSrc2, int32_t len, int32_t* pResult);
-/** tavsCompareIgnoreCaseLatin_8u for 16-bit units. tavsCompareIgnoreCase_16u knows the case of all letters. */
+/** tavsCompareIgnoreCaseLatin_8u for 16-bit units. tavsCompareIgnoreCase_16u knows all letters. */
 tavStatus tavsCompareIgnoreCaseLatin_16u(const uint16_t* pSrc1, const uint16_t* pSrc2, int32_t len,
                                          int32_t* pResult);
 
@@ -263,6 +263,306 @@ tavStatus tavsFindRevCAny_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pA
 /** tavsFindRevCAny_8u for 16-bit units. */
 tavStatus tavsFindRevCAny_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pAnyOf, int32_t lenAnyOf,
                               int32_t* pIndex);
+
+/* ------------------------------------------------------------------------------------------------------- */
+/* Editing                                                                                                 */
+
+/*
+ * Output lengths of the functions without _I are not reported: the caller knows them. No function tests the
+ * room of a destination unless its description says so. Source and destination must not overlap, except
+ * where a description allows it.
+ */
+
+/**
+ * Inserts a string into another: pDst receives the first startIndex elements of pSrc, then pInsert, then the
+ * rest of pSrc; srcLen + insertLen elements in all.
+ *
+ * @param pSrc        string to insert into
+ * @param srcLen      its length
+ * @param pInsert     string to insert
+ * @param insertLen   its length
+ * @param pDst        receives the result; may be pSrc itself, with room for the longer string
+ * @param startIndex  where to insert, 0 to srcLen (srcLen appends)
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: a length or startIndex is negative, or
+ *         startIndex exceeds srcLen; tavStsNoError.
+ * @warning With insertLen 0 nothing at all is written to pDst, not even a copy of pSrc.
+ */
+tavStatus tavsInsert_8u(const uint8_t* pSrc, int32_t srcLen, const uint8_t* pInsert, int32_t insertLen,
+                        uint8_t* pDst, int32_t startIndex);
+/** tavsInsert_8u for 16-bit units. */
+tavStatus tavsInsert_16u(const uint16_t* pSrc, int32_t srcLen, const uint16_t* pInsert, int32_t insertLen,
+                         uint16_t* pDst, int32_t startIndex);
+
+/**
+ * Inserts a string in place.
+ *
+ * @param pInsert     string to insert; it must not lie in pSrcDst
+ * @param insertLen   its length
+ * @param pSrcDst     string to insert into, with room for insertLen more elements
+ * @param pSrcDstLen  in: its length; out: the length grown by insertLen
+ * @param startIndex  where to insert, 0 to *pSrcDstLen
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: a length or startIndex is negative,
+ *         startIndex exceeds *pSrcDstLen, or the grown length exceeds 2147483647; tavStsNoError.
+ * @note   With insertLen 0 nothing changes.
+ *
+ *     uint8_t name[32] = "report.txt";
+ *     int32_t length = 10;
+ *     tavsInsert_8u_I((const uint8_t*)"-2", 2, name, &length, 6);   // "report-2.txt", length 12
+ */
+tavStatus tavsInsert_8u_I(const uint8_t* pInsert, int32_t insertLen, uint8_t* pSrcDst, int32_t* pSrcDstLen,
+                          int32_t startIndex);
+/** tavsInsert_8u_I for 16-bit units. */
+tavStatus tavsInsert_16u_I(const uint16_t* pInsert, int32_t insertLen, uint16_t* pSrcDst, int32_t* pSrcDstLen,
+                           int32_t startIndex);
+
+/**
+ * Copies a string without a run of its elements; pDst receives srcLen - removeLen elements.
+ *
+ * @param pSrc        source
+ * @param srcLen      its length
+ * @param pDst        receives the result
+ * @param startIndex  first element left out
+ * @param removeLen   number of elements left out; 0 copies the whole string
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: removeLen or startIndex is negative, or
+ *         srcLen is below startIndex + removeLen; tavStsNoError.
+ */
+tavStatus tavsRemove_8u(const uint8_t* pSrc, int32_t srcLen, uint8_t* pDst, int32_t startIndex,
+                        int32_t removeLen);
+/** tavsRemove_8u for 16-bit units. */
+tavStatus tavsRemove_16u(const uint16_t* pSrc, int32_t srcLen, uint16_t* pDst, int32_t startIndex,
+                         int32_t removeLen);
+
+/**
+ * Removes a run of elements in place.
+ *
+ * @param pSrcDst     string
+ * @param pSrcDstLen  in: its length; out: the length less removeLen
+ * @param startIndex  first element removed
+ * @param removeLen   number of elements removed
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: removeLen, *pSrcDstLen or startIndex is
+ *         negative, or startIndex + removeLen exceeds *pSrcDstLen; tavStsNoError.
+ * @note   Elements behind the new length stay as they were.
+ */
+tavStatus tavsRemove_8u_I(uint8_t* pSrcDst, int32_t* pSrcDstLen, int32_t startIndex, int32_t removeLen);
+/** tavsRemove_8u_I for 16-bit units. */
+tavStatus tavsRemove_16u_I(uint16_t* pSrcDst, int32_t* pSrcDstLen, int32_t startIndex, int32_t removeLen);
+
+/**
+ * Joins two strings: pDst receives pSrc1 followed by pSrc2, len1 + len2 elements.
+ *
+ * @param pSrc1  first string
+ * @param len1   its length
+ * @param pSrc2  second string
+ * @param len2   its length
+ * @param pDst   receives the result
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: a length is negative; tavStsNoError.
+ */
+tavStatus tavsConcat_8u(const uint8_t* pSrc1, int32_t len1, const uint8_t* pSrc2, int32_t len2,
+                        uint8_t* pDst);
+/** tavsConcat_8u for 16-bit units. */
+tavStatus tavsConcat_16u(const uint16_t* pSrc1, int32_t len1, const uint16_t* pSrc2, int32_t len2,
+                         uint16_t* pDst);
+
+/**
+ * Joins a list of strings.
+ *
+ * @param pSrcs    the strings
+ * @param srcLens  their lengths
+ * @param numSrc   number of strings, 1 or more
+ * @param pDst     receives the strings one after the other
+ * @return tavStsNullPointer: a pointer is null; tavStsBadCount: numSrc is below 1; tavStsNullPointer or
+ *         tavStsNegativeLength: an entry of pSrcs is null or its length negative; tavStsNoError.
+ * @note   An entry is tested when its turn comes: the strings before a refused one have been written.
+ */
+tavStatus tavsConcat_8u_D2L(const uint8_t* const* pSrcs, const int32_t* srcLens, int32_t numSrc,
+                            uint8_t* pDst);
+/** tavsConcat_8u_D2L for 16-bit units. */
+tavStatus tavsConcat_16u_D2L(const uint16_t* const* pSrcs, const int32_t* srcLens, int32_t numSrc,
+                             uint16_t* pDst);
+
+/**
+ * Joins a list of strings with a separator between each two: arguments and statuses of tavsConcat_8u_D2L.
+ *
+ * @param delim  element written before every string but the first, once that string has been accepted
+ */
+tavStatus tavsConcatC_8u_D2L(const uint8_t* const* pSrcs, const int32_t* srcLens, int32_t numSrc,
+                             uint8_t delim, uint8_t* pDst);
+/** tavsConcatC_8u_D2L for 16-bit units. */
+tavStatus tavsConcatC_16u_D2L(const uint16_t* const* pSrcs, const int32_t* srcLens, int32_t numSrc,
+                              uint16_t delim, uint16_t* pDst);
+
+/**
+ * Splits a string at every separator into a list of buffers; the separator itself is not copied.
+ *
+ * Separators next to each other, and one at the start, give empty fields; one at the very end gives no empty
+ * field behind it; an empty string has no fields.
+ *
+ * @param pSrc     string to split
+ * @param len      its length
+ * @param delim    separator
+ * @param pDsts    one buffer per slot
+ * @param dstLens  in: the capacity of each buffer; out: the length of each field written
+ * @param pNumDst  in: number of slots, 1 or more; out: number of fields written
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsBadCount:
+ *         *pNumDst is below 1; tavStsNullPointer or tavStsNegativeLength: an entry of pDsts is null or its
+ *         capacity negative; tavStsSplitUnfinished (warning): all slots are filled and text remains;
+ *         tavStsFieldTruncated (warning): a field was cut to its buffer's capacity; tavStsNoError.
+ * @note   A slot is tested when a field for it has been reached: slots before a refused one are filled,
+ *         *pNumDst then stays as it was. tavStsSplitUnfinished outranks tavStsFieldTruncated.
+ *
+ *     uint8_t key[64], value[256];
+ *     uint8_t* parts[2] = {key, value};
+ *     int32_t lengths[2] = {64, 256}, count = 2;
+ *     tavsSplitC_8u_D2L(line, lineLength, '=', parts, lengths, &count);
+ */
+tavStatus tavsSplitC_8u_D2L(const uint8_t* pSrc, int32_t len, uint8_t delim, uint8_t* const* pDsts,
+                            int32_t* dstLens, int32_t* pNumDst);
+/** tavsSplitC_8u_D2L for 16-bit units. */
+tavStatus tavsSplitC_16u_D2L(const uint16_t* pSrc, int32_t len, uint16_t delim, uint16_t* const* pDsts,
+                             int32_t* dstLens, int32_t* pNumDst);
+
+/**
+ * Copies a string, replacing every element of one value by another.
+ *
+ * @param pSrc    source
+ * @param pDst    receives len elements; may be pSrc itself
+ * @param len     number of elements
+ * @param oldVal  value replaced
+ * @param newVal  value written instead
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ * @note   Each element is read before its result is written, and that before the next is read; this order
+ *         holds for overlapping buffers too.
+ */
+tavStatus tavsReplaceC_8u(const uint8_t* pSrc, uint8_t* pDst, int32_t len, uint8_t oldVal, uint8_t newVal);
+/** tavsReplaceC_8u for 16-bit units. */
+tavStatus tavsReplaceC_16u(const uint16_t* pSrc, uint16_t* pDst, int32_t len, uint16_t oldVal,
+                           uint16_t newVal);
+
+/* ------------------------------------------------------------------------------------------------------- */
+/* Trimming                                                                                                */
+
+/**
+ * Strips every leading and trailing element of one value.
+ *
+ * @param pSrc     source
+ * @param len      its length
+ * @param odd      value stripped
+ * @param pDst     receives what remains, at most len elements; may be pSrc itself
+ * @param pDstLen  receives its length
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ * @note   Nothing is written behind the reported length.
+ */
+tavStatus tavsTrimC_8u(const uint8_t* pSrc, int32_t len, uint8_t odd, uint8_t* pDst, int32_t* pDstLen);
+/** tavsTrimC_8u for 16-bit units. */
+tavStatus tavsTrimC_16u(const uint16_t* pSrc, int32_t len, uint16_t odd, uint16_t* pDst, int32_t* pDstLen);
+
+/**
+ * Strips every leading and trailing element of one value in place: what remains moves to the front.
+ *
+ * @param pSrcDst     string
+ * @param pSrcDstLen  in: its length; out: the length of what remains
+ * @param odd         value stripped
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: *pSrcDstLen is negative; tavStsNoError.
+ * @note   Elements behind the new length stay as they were.
+ */
+tavStatus tavsTrimC_8u_I(uint8_t* pSrcDst, int32_t* pSrcDstLen, uint8_t odd);
+/** tavsTrimC_8u_I for 16-bit units. */
+tavStatus tavsTrimC_16u_I(uint16_t* pSrcDst, int32_t* pSrcDstLen, uint16_t odd);
+
+/**
+ * Strips every leading and trailing element that is in a set.
+ *
+ * @param pSrc     source
+ * @param len      its length
+ * @param pTrim    the set: its elements in any order, duplicates allowed
+ * @param trimLen  number of elements in pTrim; with an empty set nothing is stripped
+ * @param pDst     receives what remains, at most len elements
+ * @param pDstLen  receives its length
+ * @return tavStsNullPointer: a pointer is null (pTrim also when trimLen is 0); tavStsNegativeLength: len or
+ *         trimLen is negative; tavStsNoError.
+ */
+tavStatus tavsTrimCAny_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pTrim, int32_t trimLen,
+                          uint8_t* pDst, int32_t* pDstLen);
+/** tavsTrimCAny_8u for 16-bit units. */
+tavStatus tavsTrimCAny_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pTrim, int32_t trimLen,
+                           uint16_t* pDst, int32_t* pDstLen);
+
+/** Strips leading elements in a set only: arguments and statuses of tavsTrimCAny_8u. */
+tavStatus tavsTrimStartCAny_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pTrim, int32_t trimLen,
+                               uint8_t* pDst, int32_t* pDstLen);
+/** tavsTrimStartCAny_8u for 16-bit units. */
+tavStatus tavsTrimStartCAny_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pTrim, int32_t trimLen,
+                                uint16_t* pDst, int32_t* pDstLen);
+
+/** Strips trailing elements in a set only: arguments and statuses of tavsTrimCAny_8u. */
+tavStatus tavsTrimEndCAny_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pTrim, int32_t trimLen,
+                             uint8_t* pDst, int32_t* pDstLen);
+/** tavsTrimEndCAny_8u for 16-bit units. */
+tavStatus tavsTrimEndCAny_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pTrim, int32_t trimLen,
+                              uint16_t* pDst, int32_t* pDstLen);
+
+/* ------------------------------------------------------------------------------------------------------- */
+/* Hashing                                                                                                 */
+
+/*
+ * All hashes are unsigned 32-bit numbers, computed modulo 2^32 over the elements' unsigned values in order;
+ * the 8-bit and the 16-bit functions agree on equal sequences of values. None resists deliberate collisions.
+ */
+
+/**
+ * Shift-and-xor hash: from 0, h = (h << 1) ^ e for each element e. Only the last 32 elements count, so that
+ * the cost does not grow with the length.
+ *
+ * @param pSrc      string
+ * @param len       its length
+ * @param pHashVal  receives the hash; 0 for an empty string
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ */
+tavStatus tavsHash_8u32u(const uint8_t* pSrc, int32_t len, uint32_t* pHashVal);
+/** tavsHash_8u32u for 16-bit units. */
+tavStatus tavsHash_16u32u(const uint16_t* pSrc, int32_t len, uint32_t* pHashVal);
+
+/** Multiplicative hash: from 0, h = h * 31 + e; arguments and statuses of tavsHash_8u32u. */
+tavStatus tavsHashSJ2_8u32u(const uint8_t* pSrc, int32_t len, uint32_t* pHashVal);
+/** tavsHashSJ2_8u32u for 16-bit units. */
+tavStatus tavsHashSJ2_16u32u(const uint16_t* pSrc, int32_t len, uint32_t* pHashVal);
+
+/**
+ * Multiply-and-xor hash: from 5381, h = (h * 33) ^ e; arguments and statuses of tavsHash_8u32u.
+ * @note  Ends before the first zero element. The hash of an empty string is 5381.
+ */
+tavStatus tavsHashMSCS_8u32u(const uint8_t* pSrc, int32_t len, uint32_t* pHashVal);
+/** tavsHashMSCS_8u32u for 16-bit units. */
+tavStatus tavsHashMSCS_16u32u(const uint16_t* pSrc, int32_t len, uint32_t* pHashVal);
+
+/* ------------------------------------------------------------------------------------------------------- */
+/* Latin case                                                                                              */
+
+/**
+ * Copies a string with the letters A to Z in lower case. Every other element is copied as it is, accented
+ * letters included, whatever the code page.
+ *
+ * @param pSrc  source
+ * @param pDst  receives len elements; may be pSrc itself
+ * @param len   number of elements; with 0 nothing is written
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ */
+tavStatus tavsLowercaseLatin_8u(const uint8_t* pSrc, uint8_t* pDst, int32_t len);
+/** tavsLowercaseLatin_8u for 16-bit units. tavsLowercase_16u knows all letters. */
+tavStatus tavsLowercaseLatin_16u(const uint16_t* pSrc, uint16_t* pDst, int32_t len);
+/** tavsLowercaseLatin_8u in place. */
+tavStatus tavsLowercaseLatin_8u_I(uint8_t* pSrcDst, int32_t len);
+/** tavsLowercaseLatin_8u in place, for 16-bit units. */
+tavStatus tavsLowercaseLatin_16u_I(uint16_t* pSrcDst, int32_t len);
+
+/** Copies a string with the letters a to z in upper case: arguments and statuses of tavsLowercaseLatin_8u. */
+tavStatus tavsUppercaseLatin_8u(const uint8_t* pSrc, uint8_t* pDst, int32_t len);
+/** tavsUppercaseLatin_8u for 16-bit units. tavsUppercase_16u knows all letters. */
+tavStatus tavsUppercaseLatin_16u(const uint16_t* pSrc, uint16_t* pDst, int32_t len);
+/** tavsUppercaseLatin_8u in place. */
+tavStatus tavsUppercaseLatin_8u_I(uint8_t* pSrcDst, int32_t len);
+/** tavsUppercaseLatin_8u in place, for 16-bit units. */
+tavStatus tavsUppercaseLatin_16u_I(uint16_t* pSrcDst, int32_t len);
 
 /* ------------------------------------------------------------------------------------------------------- */
 /* UTF-8 and UTF-16                                                                                        */

@@ -5,7 +5,11 @@
 #include "regex/compile/context.h"
 #include "regex/match/search.h"
 #include "strings/compare.h"
+#include "strings/edit.h"
 #include "strings/find.h"
+#include "strings/hash.h"
+#include "strings/latin_case.h"
+#include "strings/trim.h"
 #include "unicode/case.h"
 #include "unicode/convert.h"
 

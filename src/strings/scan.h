@@ -11,9 +11,7 @@
 // below one block is covered by two overlapping smaller loads.
 #pragma once
 
-#include "base/vector.h"
-
-#include <cstring>
+#include "strings/blocks.h"
 
 namespace tav {
 
@@ -21,65 +19,6 @@ enum class Seek { hit, miss };
 enum class Way { forward, backward };
 
 namespace scanning {
-
-/// Sixteen bytes of neighbouring positions.
-template <class E>
-struct WholeBlock {
-    int64_t at;
-
-    Vector<E> load(const E* text) const { return Vector<E>::load(text + at); }
-    int64_t position(int32_t lane) const { return at + lane; }
-    static LaneMask<E> valid(LaneMask<E> mask) { return mask; }
-};
-
-/// All positions of a text of 8 to 15 bytes: its first and its last 8 bytes, which may overlap. A position
-/// that appears twice is harmless: both lanes give the same answer.
-template <class E>
-struct HalfBlocks {
-    static constexpr int32_t half = 8 / sizeof(E);
-    int32_t count;
-
-    Vector<E> load(const E* text) const {
-        const __m128i head = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text));
-        const __m128i tail = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text + count - half));
-        return {_mm_unpacklo_epi64(head, tail)};
-    }
-    int64_t position(int32_t lane) const { return lane < half ? lane : lane - 2 * half + count; }
-    static LaneMask<E> valid(LaneMask<E> mask) { return mask; }
-};
-
-/// The same for 4 to 7 bytes.
-template <class E>
-struct QuarterBlocks {
-    static constexpr int32_t quarter = 4 / sizeof(E);
-    int32_t count;
-
-    Vector<E> load(const E* text) const {
-        return {_mm_unpacklo_epi32(word(text), word(text + count - quarter))};
-    }
-    int64_t position(int32_t lane) const { return lane < quarter ? lane : lane - 2 * quarter + count; }
-    static LaneMask<E> valid(LaneMask<E> mask) { return mask.below(2 * quarter); }
-
-private:
-    static __m128i word(const E* from) {
-        int32_t bits;
-        std::memcpy(&bits, from, sizeof bits);
-        return _mm_cvtsi32_si128(bits);
-    }
-};
-
-/// The same for 1 to 3 bytes (one 16-bit unit): first, middle and last element.
-template <class E>
-struct SingleElements {
-    int32_t count;
-
-    Vector<E> load(const E* text) const {
-        if constexpr (sizeof(E) == 2) return {_mm_cvtsi32_si128(text[0])};
-        return {_mm_cvtsi32_si128(text[0] | text[count / 2] << 8 | text[count - 1] << 16)};
-    }
-    int64_t position(int32_t lane) const { return lane == 0 ? 0 : lane == 1 ? count / 2 : count - 1; }
-    static LaneMask<E> valid(LaneMask<E> mask) { return mask.below(sizeof(E) == 2 ? 1 : 3); }
-};
 
 template <Seek seek, class E>
 LaneMask<E> sought(Vector<E> holds) {
@@ -116,16 +55,6 @@ int64_t lastInBlock(Block block, const Test& test, Accept& accept) {
     return -1;
 }
 
-/// Hands a count below one whole block to the fitting kind of block.
-template <class E, class InBlock>
-int64_t inShortText(int32_t count, const InBlock& inBlock) {
-    const int32_t bytes = count * static_cast<int32_t>(sizeof(E));
-    if (bytes >= 8) return inBlock(HalfBlocks<E>{count});
-    if (bytes >= 4) return inBlock(QuarterBlocks<E>{count});
-    if (bytes > 0) return inBlock(SingleElements<E>{count});
-    return -1;
-}
-
 inline constexpr auto acceptAny = [](int64_t) { return true; };
 
 } // namespace scanning
@@ -137,8 +66,9 @@ int64_t scanForward(int64_t count, const Rough& rough, const Exact& exact, Accep
     using namespace scanning;
     constexpr int64_t size = Vector<E>::size;
     if (count < size) {
-        return inShortText<E>(static_cast<int32_t>(count),
-                              [&](auto block) { return firstInBlock<seek, E>(block, exact, accept); });
+        if (count == 0) return -1;
+        return withShortBlock<E>(static_cast<int32_t>(count),
+                                 [&](auto block) { return firstInBlock<seek, E>(block, exact, accept); });
     }
     int64_t at = 0;
     while (at + 4 * size <= count) {
@@ -164,8 +94,9 @@ int64_t scanBackward(int64_t count, const Rough& rough, const Exact& exact, Acce
     using namespace scanning;
     constexpr int64_t size = Vector<E>::size;
     if (count < size) {
-        return inShortText<E>(static_cast<int32_t>(count),
-                              [&](auto block) { return lastInBlock<seek, E>(block, exact, accept); });
+        if (count == 0) return -1;
+        return withShortBlock<E>(static_cast<int32_t>(count),
+                                 [&](auto block) { return lastInBlock<seek, E>(block, exact, accept); });
     }
     int64_t end = count;
     while (end >= 4 * size) {

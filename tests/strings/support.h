@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <random>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -31,6 +32,27 @@ struct Api;
         static constexpr auto findCZ = tavsFindC_Z_##S;                                                      \
         static constexpr auto findCAny = tavsFindCAny_##S;                                                   \
         static constexpr auto findRevCAny = tavsFindRevCAny_##S;                                             \
+        static constexpr auto insert = tavsInsert_##S;                                                       \
+        static constexpr auto insertInPlace = tavsInsert_##S##_I;                                            \
+        static constexpr auto remove = tavsRemove_##S;                                                       \
+        static constexpr auto removeInPlace = tavsRemove_##S##_I;                                            \
+        static constexpr auto concat = tavsConcat_##S;                                                       \
+        static constexpr auto concatList = tavsConcat_##S##_D2L;                                             \
+        static constexpr auto concatListWithDelimiter = tavsConcatC_##S##_D2L;                               \
+        static constexpr auto split = tavsSplitC_##S##_D2L;                                                  \
+        static constexpr auto replace = tavsReplaceC_##S;                                                    \
+        static constexpr auto trim = tavsTrimC_##S;                                                          \
+        static constexpr auto trimInPlace = tavsTrimC_##S##_I;                                               \
+        static constexpr auto trimAny = tavsTrimCAny_##S;                                                    \
+        static constexpr auto trimStartAny = tavsTrimStartCAny_##S;                                          \
+        static constexpr auto trimEndAny = tavsTrimEndCAny_##S;                                              \
+        static constexpr auto hash = tavsHash_##S##32u;                                                      \
+        static constexpr auto hashSJ2 = tavsHashSJ2_##S##32u;                                                \
+        static constexpr auto hashMSCS = tavsHashMSCS_##S##32u;                                              \
+        static constexpr auto lowercaseLatin = tavsLowercaseLatin_##S;                                       \
+        static constexpr auto lowercaseLatinInPlace = tavsLowercaseLatin_##S##_I;                            \
+        static constexpr auto uppercaseLatin = tavsUppercaseLatin_##S;                                       \
+        static constexpr auto uppercaseLatinInPlace = tavsUppercaseLatin_##S##_I;                            \
     };
 TAV_API(uint8_t, 8u)
 TAV_API(uint16_t, 16u)
@@ -63,6 +85,15 @@ int32_t length(const std::vector<E>& elements) {
 
 /// A status or length that no function writes: shows whether an output was touched.
 inline constexpr int32_t untouched = 77777;
+
+/// Fills buffers that a function should leave alone.
+inline constexpr int filler = '#';
+
+/// The elements as characters, for readable expectations.
+template <class E>
+std::string shown(const E* elements, int32_t count) {
+    return std::string(elements, elements + count);
+}
 
 /// What the shared rule of argument tests answers: pointers before lengths.
 inline tavStatus expectedStatus(bool anyNull, bool anyNegative) {

@@ -1,0 +1,176 @@
+// Editing: every function computes where its pieces go and leaves the copying to copyElements and
+// moveElements. Positions are checked as 64-bit sums, so that no argument wraps around.
+#include "strings/edit.h"
+
+#include "base/arguments.h"
+#include "strings/copy.h"
+#include "strings/find.h"
+#include "strings/transform.h"
+
+#include <limits>
+
+namespace tav {
+
+namespace {
+
+/// What lies behind index `at`: a negative amount is refused as a length.
+constexpr int64_t behind(int32_t len, int64_t at) {
+    return len - at;
+}
+
+/// Appends the strings in order. Each is tested when it is reached, so that those before it stay written.
+template <class E>
+tavStatus appendAll(const E* const* pSrcs, const int32_t* srcLens, int32_t numSrc, const E* delim, E* pDst) {
+    for (int32_t i = 0; i < numSrc; ++i) {
+        if (const auto bad = Arguments::pointers(pSrcs[i]).lengths(srcLens[i]); bad.failed())
+            return bad.status;
+        if (delim != nullptr && i > 0) *pDst++ = *delim;
+        copyElements(pSrcs[i], pDst, srcLens[i]);
+        pDst += srcLens[i];
+    }
+    return tavStsNoError;
+}
+
+} // namespace
+
+template <class E>
+tavStatus insert(const E* pSrc, int32_t srcLen, const E* pInsert, int32_t insertLen, E* pDst,
+                 int32_t startIndex) {
+    if (const auto bad = Arguments::pointers(pSrc, pInsert, pDst)
+                             .lengths(srcLen, insertLen, startIndex, behind(srcLen, startIndex));
+        bad.failed()) {
+        return bad.status;
+    }
+    // Deliberate: with nothing to insert, not even the copy of the source is written.
+    if (insertLen == 0) return tavStsNoError;
+    if (pSrc != pDst) copyElements(pSrc, pDst, startIndex);
+    moveElements(pSrc + startIndex, pDst + startIndex + insertLen, srcLen - startIndex);
+    copyElements(pInsert, pDst + startIndex, insertLen);
+    return tavStsNoError;
+}
+
+template <class E>
+tavStatus insertInPlace(const E* pInsert, int32_t insertLen, E* pSrcDst, int32_t* pSrcDstLen,
+                        int32_t startIndex) {
+    if (const auto bad = Arguments::pointers(pInsert, pSrcDst, pSrcDstLen); bad.failed()) return bad.status;
+    const int32_t len = *pSrcDstLen;
+    const int64_t roomInLength = behind(std::numeric_limits<int32_t>::max(), int64_t{len} + insertLen);
+    if (anyNegative<int64_t>(insertLen, len, startIndex, behind(len, startIndex), roomInLength)) {
+        return tavStsNegativeLength;
+    }
+    if (insertLen == 0) return tavStsNoError;
+    moveElements(pSrcDst + startIndex, pSrcDst + startIndex + insertLen, len - startIndex);
+    copyElements(pInsert, pSrcDst + startIndex, insertLen);
+    *pSrcDstLen = len + insertLen;
+    return tavStsNoError;
+}
+
+template <class E>
+tavStatus remove(const E* pSrc, int32_t srcLen, E* pDst, int32_t startIndex, int32_t removeLen) {
+    const int64_t tailLen = behind(srcLen, int64_t{startIndex} + removeLen);
+    if (const auto bad = Arguments::pointers(pSrc, pDst).lengths(removeLen, startIndex, tailLen);
+        bad.failed()) {
+        return bad.status;
+    }
+    copyElements(pSrc, pDst, startIndex);
+    copyElements(pSrc + startIndex + removeLen, pDst + startIndex, static_cast<int32_t>(tailLen));
+    return tavStsNoError;
+}
+
+template <class E>
+tavStatus removeInPlace(E* pSrcDst, int32_t* pSrcDstLen, int32_t startIndex, int32_t removeLen) {
+    if (const auto bad = Arguments::pointers(pSrcDst, pSrcDstLen); bad.failed()) return bad.status;
+    const int32_t len = *pSrcDstLen;
+    const int64_t tailLen = behind(len, int64_t{startIndex} + removeLen);
+    if (anyNegative<int64_t>(removeLen, len, startIndex, tailLen)) return tavStsNegativeLength;
+    moveElements(pSrcDst + startIndex + removeLen, pSrcDst + startIndex, static_cast<int32_t>(tailLen));
+    *pSrcDstLen = len - removeLen;
+    return tavStsNoError;
+}
+
+template <class E>
+tavStatus concat(const E* pSrc1, int32_t len1, const E* pSrc2, int32_t len2, E* pDst) {
+    if (const auto bad = Arguments::pointers(pSrc1, pSrc2, pDst).lengths(len1, len2); bad.failed()) {
+        return bad.status;
+    }
+    copyElements(pSrc1, pDst, len1);
+    copyElements(pSrc2, pDst + len1, len2);
+    return tavStsNoError;
+}
+
+template <class E>
+tavStatus concatList(const E* const* pSrcs, const int32_t* srcLens, int32_t numSrc, E* pDst) {
+    if (const auto bad = Arguments::pointers(pSrcs, srcLens, pDst).counts(numSrc); bad.failed())
+        return bad.status;
+    return appendAll<E>(pSrcs, srcLens, numSrc, nullptr, pDst);
+}
+
+template <class E>
+tavStatus concatListWithDelimiter(const E* const* pSrcs, const int32_t* srcLens, int32_t numSrc, E delim,
+                                  E* pDst) {
+    if (const auto bad = Arguments::pointers(pSrcs, srcLens, pDst).counts(numSrc); bad.failed())
+        return bad.status;
+    return appendAll<E>(pSrcs, srcLens, numSrc, &delim, pDst);
+}
+
+template <class E>
+tavStatus split(const E* pSrc, int32_t len, E delim, E* const* pDsts, int32_t* dstLens, int32_t* pNumDst) {
+    if (const auto bad = Arguments::pointers(pSrc, pDsts, dstLens, pNumDst).lengths(len); bad.failed()) {
+        return bad.status;
+    }
+    const int32_t slots = *pNumDst;
+    if (slots < 1) return tavStsBadCount;
+    int32_t at = 0;
+    tavStatus warning = tavStsNoError;
+    for (int32_t k = 0; k < slots; ++k) {
+        if (at >= len) {
+            *pNumDst = k;
+            return warning;
+        }
+        if (const auto bad = Arguments::pointers(pDsts[k]).lengths(dstLens[k]); bad.failed())
+            return bad.status;
+        const int32_t found = indexOf(pSrc + at, len - at, delim);
+        const int32_t fieldLen = found < 0 ? len - at : found;
+        if (fieldLen <= dstLens[k]) {
+            dstLens[k] = fieldLen;
+        } else {
+            warning = tavStsFieldTruncated;
+        }
+        copyElements(pSrc + at, pDsts[k], dstLens[k]);
+        at = found < 0 ? len : at + fieldLen + 1;
+    }
+    return at < len ? tavStsSplitUnfinished : warning; // *pNumDst holds the number of slots already
+}
+
+template <class E>
+tavStatus replace(const E* pSrc, E* pDst, int32_t len, E oldVal, E newVal) {
+    if (const auto bad = Arguments::pointers(pSrc, pDst).lengths(len); bad.failed()) return bad.status;
+    struct Change {
+        E oldValue, newValue;
+        Vector<E> oldValues, newValues;
+
+        E operator()(E value) const { return value == oldValue ? newValue : value; }
+        Vector<E> operator()(Vector<E> values) const {
+            const Vector<E> hits = values.equal(oldValues);
+            return values.without(hits) | (newValues & hits);
+        }
+    };
+    transform(pSrc, pDst, len, Change{oldVal, newVal, Vector<E>::splat(oldVal), Vector<E>::splat(newVal)});
+    return tavStsNoError;
+}
+
+#define TAV_INSTANTIATE(E)                                                                                   \
+    template tavStatus insert(const E*, int32_t, const E*, int32_t, E*, int32_t);                            \
+    template tavStatus insertInPlace(const E*, int32_t, E*, int32_t*, int32_t);                              \
+    template tavStatus remove(const E*, int32_t, E*, int32_t, int32_t);                                      \
+    template tavStatus removeInPlace(E*, int32_t*, int32_t, int32_t);                                        \
+    template tavStatus concat(const E*, int32_t, const E*, int32_t, E*);                                     \
+    template tavStatus concatList(const E* const*, const int32_t*, int32_t, E*);                             \
+    template tavStatus concatListWithDelimiter(const E* const*, const int32_t*, int32_t, E, E*);             \
+    template tavStatus split(const E*, int32_t, E, E* const*, int32_t*, int32_t*);                           \
+    template tavStatus replace(const E*, E*, int32_t, E, E);
+TAV_INSTANTIATE(uint8_t)
+TAV_INSTANTIATE(uint16_t)
+#undef TAV_INSTANTIATE
+
+} // namespace tav

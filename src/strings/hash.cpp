@@ -1,0 +1,135 @@
+// The hashes, with their chains of dependent steps broken.
+//
+// Shift and xor: an element is shifted out after 32 more, so only the last 32 count.
+// Times 31: the hash is a polynomial, so sixteen bytes of elements are folded into four 32-bit digits, and
+// four such rows are carried on side by side, each multiplied by a power of 31 per round.
+// Times 33 and xor: no such law; the chain stays.
+#include "strings/hash.h"
+
+#include "base/arguments.h"
+#include "base/vector.h"
+
+#include <algorithm>
+
+namespace tav {
+
+namespace {
+
+/// Four elements a step: the four are combined beside the chain.
+template <class E>
+uint32_t shiftXorByFour(const E* src, int32_t len) {
+    uint32_t h = 0;
+    int32_t i = 0;
+    for (; i + 4 <= len; i += 4) {
+        const uint32_t four = uint32_t{src[i]} << 3 ^ uint32_t { src[i + 1] } << 2 ^
+                              uint32_t { src[i + 2] } << 1 ^ uint32_t { src[i + 3] };
+        h = h << 4 ^ four;
+    }
+    return plain::hashShiftXor(src + i, len - i, h);
+}
+
+constexpr uint32_t powerOf31(int exponent) {
+    return exponent == 0 ? 1 : 31 * powerOf31(exponent - 1);
+}
+
+template <class E>
+uint32_t times31ByFour(const E* src, int64_t len, uint32_t h) {
+    int64_t i = 0;
+    for (; i + 4 <= len; i += 4) {
+        h = h * powerOf31(4) + (src[i] * powerOf31(3) + src[i + 1] * powerOf31(2)) +
+            (src[i + 2] * 31U + src[i + 3]);
+    }
+    return plain::hashTimes31(src + i, static_cast<int32_t>(len - i), h);
+}
+
+/// Sixteen bytes of elements as four 32-bit digits: the hashes of four (bytes) or two (units) neighbours.
+template <class E>
+__m128i digits(const E* src) {
+    const __m128i elements = Vector<E>::load(src).raw;
+    if constexpr (sizeof(E) == 1) {
+        const __m128i even = _mm_and_si128(elements, _mm_set1_epi16(0x00FF));
+        const __m128i odd = _mm_srli_epi16(elements, 8);
+        const __m128i pairs = _mm_add_epi16(_mm_sub_epi16(_mm_slli_epi16(even, 5), even), odd);
+        return _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | powerOf31(2)));
+    }
+    // The multiplication is signed: units are biased by 2^15, which makes each digit 2^20 too small.
+    const __m128i biased = _mm_xor_si128(elements, _mm_set1_epi16(-0x8000));
+    return _mm_add_epi32(_mm_madd_epi16(biased, _mm_set1_epi32(1 << 16 | 31)), _mm_set1_epi32(1 << 20));
+}
+
+/// Four running digits, even and odd ones apart, because SSE2 multiplies 32-bit lanes only by twos. The upper
+/// halves of the 64-bit lanes hold garbage that never comes down.
+struct Row {
+    __m128i even = _mm_setzero_si128();
+    __m128i odd = _mm_setzero_si128();
+
+    void step(__m128i factor, __m128i digits) {
+        even = _mm_add_epi64(_mm_mul_epu32(even, factor), digits);
+        odd = _mm_add_epi64(_mm_mul_epu32(odd, factor), _mm_srli_epi64(digits, 32));
+    }
+
+    /// The four digits as one polynomial in `base`.
+    uint32_t value(uint32_t base) const {
+        const auto low = [](__m128i lanes) { return static_cast<uint32_t>(_mm_cvtsi128_si32(lanes)); };
+        const auto high = [&](__m128i lanes) { return low(_mm_srli_si128(lanes, 8)); };
+        return ((low(even) * base + low(odd)) * base + high(even)) * base + high(odd);
+    }
+};
+
+/// Rows of sixteen bytes, four at a time; `len` is a multiple of that. The hash of all.
+template <class E>
+uint32_t times31ByRows(const E* src, int64_t len) {
+    constexpr int perRow = Vector<E>::size, perDigit = perRow / 4;
+    const __m128i factor = _mm_set1_epi32(static_cast<int32_t>(powerOf31(4 * perRow)));
+    Row a, b, c, d;
+    for (int64_t i = 0; i < len; i += 4 * perRow) {
+        a.step(factor, digits(src + i));
+        b.step(factor, digits(src + i + perRow));
+        c.step(factor, digits(src + i + 2 * perRow));
+        d.step(factor, digits(src + i + 3 * perRow));
+    }
+    constexpr uint32_t base = powerOf31(perDigit), row = powerOf31(perRow);
+    return ((a.value(base) * row + b.value(base)) * row + c.value(base)) * row + d.value(base);
+}
+
+template <class E>
+uint32_t times31(const E* src, int32_t len) {
+    constexpr int32_t round = 4 * Vector<E>::size;
+    const int32_t inRows = len / round * round;
+    const uint32_t h = inRows == 0 ? 0 : times31ByRows(src, inRows);
+    return times31ByFour(src + inRows, len - inRows, h);
+}
+
+} // namespace
+
+template <class E>
+tavStatus hashShiftXor(const E* pSrc, int32_t len, uint32_t* pHashVal) {
+    if (const auto bad = Arguments::pointers(pSrc, pHashVal).lengths(len); bad.failed()) return bad.status;
+    const int32_t lasting = std::min(len, 32);
+    *pHashVal = shiftXorByFour(pSrc + (len - lasting), lasting);
+    return tavStsNoError;
+}
+
+template <class E>
+tavStatus hashTimes31(const E* pSrc, int32_t len, uint32_t* pHashVal) {
+    if (const auto bad = Arguments::pointers(pSrc, pHashVal).lengths(len); bad.failed()) return bad.status;
+    *pHashVal = times31(pSrc, len);
+    return tavStsNoError;
+}
+
+template <class E>
+tavStatus hashTimes33(const E* pSrc, int32_t len, uint32_t* pHashVal) {
+    if (const auto bad = Arguments::pointers(pSrc, pHashVal).lengths(len); bad.failed()) return bad.status;
+    *pHashVal = plain::hashTimes33(pSrc, len);
+    return tavStsNoError;
+}
+
+#define TAV_INSTANTIATE(E)                                                                                   \
+    template tavStatus hashShiftXor(const E*, int32_t, uint32_t*);                                           \
+    template tavStatus hashTimes31(const E*, int32_t, uint32_t*);                                            \
+    template tavStatus hashTimes33(const E*, int32_t, uint32_t*);
+TAV_INSTANTIATE(uint8_t)
+TAV_INSTANTIATE(uint16_t)
+#undef TAV_INSTANTIATE
+
+} // namespace tav
