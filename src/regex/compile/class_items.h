@@ -10,24 +10,22 @@ class ClassItems {
 public:
     /// Does an item open at `offset`?
     static bool opensAt(const PatternText& text, Offset offset) {
-        return text.at(offset) == '[' && indexOf(text.at(offset + 1)) >= 0;
+        return text.at(offset) == '[' && isDelimiter(text.at(offset + 1));
     }
 
     /// The delimiter of the first `delimiter + "]"` at or behind `from`, or the text's length.
     Offset findClose(const PatternText& text, int delimiter, Offset from) {
-        bool& none = noneFurther_[indexOf(delimiter)];
-        if (none) return text.length();
+        const uint64_t bit = uint64_t{1} << delimiter; // all three lie below 64
+        if ((noneFurther_ & bit) != 0) return text.length();
         const Offset close = text.findPair(static_cast<char>(delimiter), ']', from);
-        none = close == text.length();
+        if (close == text.length()) noneFurther_ |= bit;
         return close;
     }
 
 private:
-    static int indexOf(int delimiter) {
-        return delimiter == ':' ? 0 : delimiter == '.' ? 1 : delimiter == '=' ? 2 : -1;
-    }
+    static bool isDelimiter(int c) { return c == ':' || c == '.' || c == '='; }
 
-    bool noneFurther_[3] = {};
+    uint64_t noneFurther_ = 0;
 };
 
 } // namespace tav::regex::compiler

@@ -100,7 +100,7 @@ private:
     void moveLiterals();
 
     Instruction* program_;
-    int32_t capacity_;
+    [[maybe_unused]] int32_t capacity_; // asserted in debug builds
     int32_t count_ = 0;
     uint32_t options_;
     int32_t depth_ = 0;
