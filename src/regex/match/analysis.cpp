@@ -14,7 +14,7 @@ bool isRepeat(const Node& node) {
 int16_t literalAt(const Plan& plan, int32_t pc) {
     const Node& node = plan.nodes[pc];
     if (node.kind == Kind::byte) return node.byte;
-    if (node.kind == Kind::greedy && node.item == Item::byte && node.min > 0) return node.byte;
+    if (isGreedy(node) && node.item == Item::byte && node.min > 0) return node.byte;
     if (node.kind == Kind::string && node.min > 0)
         return *static_cast<const uint8_t*>(plan.program.code[pc].text);
     return -1;
@@ -22,7 +22,7 @@ int16_t literalAt(const Plan& plan, int32_t pc) {
 
 void analyseRepeat(const Plan& plan, Node& node) {
     if (node.follows < 0) node.follows = literalAt(plan, node.next);
-    if (node.kind != Kind::greedy || node.max <= node.min || node.item > Item::charClass) return;
+    if (!isGreedy(node) || node.max <= node.min || node.item > Item::charClass) return;
     ByteSet taken;
     addItem(plan, node, taken);
     const First rest = firstBytesFrom(plan, node.next);
@@ -59,7 +59,7 @@ void analyseLeadingRun(Plan& plan) {
     while (leadsOn(plan, pc))
         pc = isBracket(plan.program.code[pc].op) ? pc + 1 : plan.nodes[pc].next;
     Node& node = plan.nodes[pc];
-    if (node.kind == Kind::greedy && node.max == unboundedRepeat && node.item <= Item::tested)
+    if (isGreedy(node) && node.max == unboundedRepeat && node.item <= Item::tested)
         node.traits = static_cast<uint16_t>(node.traits | traitLeading);
 }
 

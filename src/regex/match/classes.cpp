@@ -53,8 +53,10 @@ void ClassBuilder::classify(int32_t pc, uint32_t options, Node& node) {
     node.index = static_cast<uint16_t>(number);
     node.mask = bitOf(number);
     node.traits = static_cast<uint16_t>(node.traits | wide);
-    if (wide == Trait{} && !acceptsMalformed(number))
-        node.traits = static_cast<uint16_t>(node.traits | traitSingle);
+    const bool single = wide == Trait{} && !acceptsMalformed(number);
+    if (single) node.traits = static_cast<uint16_t>(node.traits | traitSingle);
+    if (node.kind == Kind::item) node.kind = Kind::charClass;
+    if (node.kind == Kind::greedy && single) node.kind = Kind::classRun;
 }
 
 /// The class of the item at `pc`: an earlier one with the same instructions and options, or a new one.

@@ -50,7 +50,9 @@ private:
         case Kind::string:
         case Kind::stringCaseless:
             return addString(pc, node);
+        case Kind::charClass:
         case Kind::item:
+        case Kind::classRun:
         case Kind::greedy:
         case Kind::lazy:
             return addRepeat(node);
@@ -90,7 +92,7 @@ private:
     int32_t addRepeat(const Node& node) {
         if (node.max > 0) addItem(plan_, node, first_.bytes);
         if (node.item == Item::backReference) return node.next;
-        return node.kind != Kind::item && node.min <= 0 ? node.next : noNode;
+        return !isSingleItem(node) && node.min <= 0 ? node.next : noNode;
     }
 
     int32_t enter(int32_t pc, const Node& node) {

@@ -13,8 +13,6 @@
 #include <alloca.h>
 #endif
 
-#define TAV_INLINE [[gnu::always_inline]] inline
-
 namespace tav::regex {
 
 namespace {
@@ -179,7 +177,7 @@ Outcome Machine<Nodes>::run(Registers r) {
 }
 
 template <class Nodes>
-TAV_INLINE auto Machine<Nodes>::step(Registers& r, const Node& node) -> Step {
+auto Machine<Nodes>::step(Registers& r, const Node& node) -> Step {
     switch (node.kind) {
     case Kind::fail:
         return Step::fail;
@@ -195,17 +193,27 @@ TAV_INLINE auto Machine<Nodes>::step(Registers& r, const Node& node) -> Step {
         if (r.p >= end_ || (*r.p | 0x20) != node.byte) return Step::fail;
         ++r.p;
         break;
-    case Kind::string:
-    case Kind::stringCaseless:
-        if (!matchesString(node, r.pc, r.p)) return Step::fail;
-        r.p += node.min;
-        break;
+    case Kind::charClass:
+        if (r.p >= end_) return Step::fail;
+        if (*r.p < 0x80) {
+            if ((plan_.ascii[node.index / 8][*r.p] & node.mask) == 0) return Step::fail;
+            ++r.p;
+            break;
+        }
+        [[fallthrough]];
     case Kind::item: {
         const uint8_t* next = consume(node, r.pc, r.p);
         if (next == nullptr || !mayEndAt(next, node.next)) return Step::fail;
         r.p = next;
         break;
     }
+    case Kind::string:
+    case Kind::stringCaseless:
+        if (!matchesString(node, r.pc, r.p)) return Step::fail;
+        r.p += node.min;
+        break;
+    case Kind::classRun:
+        return classRun(r, node);
     case Kind::greedy:
         return greedy(r, node);
     case Kind::lazy:
@@ -246,7 +254,7 @@ TAV_INLINE auto Machine<Nodes>::step(Registers& r, const Node& node) -> Step {
 
 /// A character may reach beyond the usable end; then nothing but the end of what is being matched may follow.
 template <class Nodes>
-TAV_INLINE bool Machine<Nodes>::mayEndAt(const uint8_t* p, int32_t next) const {
+bool Machine<Nodes>::mayEndAt(const uint8_t* p, int32_t next) const {
     if (p <= end_) return true;
     const auto& node = nodes_[next];
     return node.kind == Kind::matchEnd ||
@@ -254,7 +262,7 @@ TAV_INLINE bool Machine<Nodes>::mayEndAt(const uint8_t* p, int32_t next) const {
 }
 
 template <class Nodes>
-TAV_INLINE bool Machine<Nodes>::matchesString(const Node& node, int32_t pc, const uint8_t* p) const {
+bool Machine<Nodes>::matchesString(const Node& node, int32_t pc, const uint8_t* p) const {
     const std::ptrdiff_t left = end_ - p;
     if (left < 1 || left < node.min) return false;
     const auto* text = static_cast<const uint8_t*>(plan_.program.code[pc].text);
@@ -270,7 +278,7 @@ TAV_INLINE bool Machine<Nodes>::matchesString(const Node& node, int32_t pc, cons
 
 /// The end of one item at `p`, or null when it does not match.
 template <class Nodes>
-TAV_INLINE const uint8_t* Machine<Nodes>::consume(const Node& node, int32_t pc, const uint8_t* p) const {
+const uint8_t* Machine<Nodes>::consume(const Node& node, int32_t pc, const uint8_t* p) const {
     if (node.item == Item::backReference) return consumeReference(node, p);
     if (p >= end_) return nullptr;
     switch (node.item) {
@@ -349,7 +357,7 @@ bool Machine<Nodes>::holds(const Node& node, const uint8_t* p) const {
 
 /// Takes as many repetitions as there are.
 template <class Nodes>
-TAV_INLINE auto Machine<Nodes>::takeRun(const Node& node, int32_t pc, const uint8_t* p) const -> Run {
+auto Machine<Nodes>::takeRun(const Node& node, int32_t pc, const uint8_t* p) const -> Run {
     const std::ptrdiff_t left = end_ - p;
     const uint8_t* const stop = p + (left < node.max ? left : node.max);
     const uint8_t* q = p;
@@ -410,8 +418,7 @@ auto Machine<Nodes>::takeClass(const Node& node, int32_t pc, const uint8_t* p) c
 
 /// Where the repeat that ends at `p` ends with one repetition less.
 template <class Nodes>
-TAV_INLINE const uint8_t* Machine<Nodes>::stepBack(const Node& node, const uint8_t* p,
-                                                   const uint8_t* lowest) const {
+const uint8_t* Machine<Nodes>::stepBack(const Node& node, const uint8_t* p, const uint8_t* lowest) const {
     if (node.has(traitSingle)) return p - 1;
     if (node.item == Item::backReference) return p - captures_[node.slot].length;
     p = previousCharacter(p, lowest, limit_);
@@ -425,12 +432,28 @@ TAV_INLINE const uint8_t* Machine<Nodes>::stepBack(const Node& node, const uint8
 }
 
 template <class Nodes>
-TAV_INLINE auto Machine<Nodes>::greedy(Registers& r, const Node& node) -> Step {
+auto Machine<Nodes>::greedy(Registers& r, const Node& node) -> Step {
     if (node.min > 0 && r.p >= end_) return Step::fail;
-    const Run run = takeRun(node, r.pc, r.p);
+    return takeRunOf(r, node, takeRun(node, r.pc, r.p));
+}
+
+/// The commonest repeat: of a class whose characters are all one byte long.
+template <class Nodes>
+auto Machine<Nodes>::classRun(Registers& r, const Node& node) -> Step {
+    const std::ptrdiff_t left = end_ - r.p;
+    const uint8_t* const stop = node.max < left ? r.p + node.max : end_;
+    const uint8_t* const table = plan_.ascii[node.index / 8];
+    const uint8_t* q = r.p;
+    while (q < stop && (table[*q] & node.mask))
+        ++q;
+    return takeRunOf(r, node, {q - r.p < node.min ? nullptr : r.p + node.min, q});
+}
+
+/// Goes on behind a greedy repeat, with a record of where it can give back to.
+template <class Nodes>
+auto Machine<Nodes>::takeRunOf(Registers& r, const Node& node, const Run& run) -> Step {
     if (node.has(traitLeading)) failedUpTo_ = run.end;
     if (run.lowest == nullptr) return Step::fail;
-    const int32_t pc = r.pc;
     const uint8_t* q = run.end;
     if (q != run.lowest && !node.has(traitPossessive)) {
         if (node.follows >= 0)
@@ -438,7 +461,7 @@ TAV_INLINE auto Machine<Nodes>::greedy(Registers& r, const Node& node) -> Step {
                 q = stepBack(node, q, run.lowest);
         if (q != run.lowest) {
             if (!hasRoom(r, 1)) return Step::full;
-            *++r.top = {what(sortGreedy, pc), offset(q), offset(run.lowest), r.levels};
+            *++r.top = {what(sortGreedy, r.pc), offset(q), offset(run.lowest), r.levels};
         }
     }
     if (!mayEndAt(q, node.next)) return Step::fail;
@@ -448,7 +471,7 @@ TAV_INLINE auto Machine<Nodes>::greedy(Registers& r, const Node& node) -> Step {
 }
 
 template <class Nodes>
-TAV_INLINE bool Machine<Nodes>::giveBack(Registers& r) {
+bool Machine<Nodes>::giveBack(Registers& r) {
     Record& record = *r.top;
     const int32_t pc = nodeOf(record);
     const auto& node = nodes_[pc];
@@ -466,7 +489,7 @@ TAV_INLINE bool Machine<Nodes>::giveBack(Registers& r) {
 }
 
 template <class Nodes>
-TAV_INLINE auto Machine<Nodes>::lazy(Registers& r, const Node& node) -> Step {
+auto Machine<Nodes>::lazy(Registers& r, const Node& node) -> Step {
     if (node.min > 0 && r.p >= end_) return Step::fail;
     if (!hasRoom(r, 1)) return Step::full;
     const uint8_t* p = r.p;
@@ -483,8 +506,7 @@ TAV_INLINE auto Machine<Nodes>::lazy(Registers& r, const Node& node) -> Step {
 /// Goes on behind the repeat that ends at r.p, or at the first later end where the byte that must follow
 /// stands.
 template <class Nodes>
-TAV_INLINE auto Machine<Nodes>::advanceLazily(Registers& r, const Node& node, int32_t pc, int32_t left)
-    -> Step {
+auto Machine<Nodes>::advanceLazily(Registers& r, const Node& node, int32_t pc, int32_t left) -> Step {
     const uint8_t* p = r.p;
     if (node.follows >= 0) {
         while (p >= limit_ || *p != node.follows) {
@@ -503,7 +525,7 @@ TAV_INLINE auto Machine<Nodes>::advanceLazily(Registers& r, const Node& node, in
 }
 
 template <class Nodes>
-TAV_INLINE bool Machine<Nodes>::takeAnother(Registers& r) {
+bool Machine<Nodes>::takeAnother(Registers& r) {
     const Record record = *r.top--;
     const int32_t pc = nodeOf(record);
     const auto& node = nodes_[pc];
@@ -519,7 +541,7 @@ TAV_INLINE bool Machine<Nodes>::takeAnother(Registers& r) {
 // -------------------------------------------------------------------------------------------------
 
 template <class Nodes>
-TAV_INLINE auto Machine<Nodes>::enterGroup(Registers& r, const Node& node) -> Step {
+auto Machine<Nodes>::enterGroup(Registers& r, const Node& node) -> Step {
     if (!hasRoom(r, 2)) return Step::full;
     if (node.has(traitCapture)) {
         Capture& slot = captures_[node.slot];
@@ -532,7 +554,7 @@ TAV_INLINE auto Machine<Nodes>::enterGroup(Registers& r, const Node& node) -> St
 }
 
 template <class Nodes>
-TAV_INLINE auto Machine<Nodes>::leaveGroup(Registers& r, const Node& node) -> Step {
+auto Machine<Nodes>::leaveGroup(Registers& r, const Node& node) -> Step {
     if (node.has(traitCapture)) {
         Capture& slot = captures_[node.slot];
         if (node.has(traitSaveEnd)) {
@@ -546,7 +568,7 @@ TAV_INLINE auto Machine<Nodes>::leaveGroup(Registers& r, const Node& node) -> St
 }
 
 template <class Nodes>
-TAV_INLINE bool Machine<Nodes>::nextAlternative(Registers& r) {
+bool Machine<Nodes>::nextAlternative(Registers& r) {
     Record& record = *r.top;
     const int32_t marker = record.bound;
     record.bound = nodes_[marker].link;
@@ -562,7 +584,7 @@ TAV_INLINE bool Machine<Nodes>::nextAlternative(Registers& r) {
 
 /// Begins iteration `count` of the loop whose opener is `node`.
 template <class Nodes>
-TAV_INLINE void Machine<Nodes>::pushIteration(Registers& r, const Node& node, int32_t opener, int32_t count) {
+void Machine<Nodes>::pushIteration(Registers& r, const Node& node, int32_t opener, int32_t count) {
     Bracket& loop = bracket(node);
     Capture& slot = captures_[node.slot];
     r.top += 2;
@@ -573,7 +595,7 @@ TAV_INLINE void Machine<Nodes>::pushIteration(Registers& r, const Node& node, in
 }
 
 template <class Nodes>
-TAV_INLINE auto Machine<Nodes>::enterLoop(Registers& r, const Node& node) -> Step {
+auto Machine<Nodes>::enterLoop(Registers& r, const Node& node) -> Step {
     if (!hasRoom(r, 2)) return Step::full;
     if (node.max <= 0) {
         r.pc = node.next;
@@ -590,7 +612,7 @@ TAV_INLINE auto Machine<Nodes>::enterLoop(Registers& r, const Node& node) -> Ste
 }
 
 template <class Nodes>
-TAV_INLINE bool Machine<Nodes>::enterLazily(Registers& r) {
+bool Machine<Nodes>::enterLazily(Registers& r) {
     const Record record = *r.top--;
     const int32_t opener = nodeOf(record);
     const auto& node = nodes_[opener];
@@ -604,7 +626,7 @@ TAV_INLINE bool Machine<Nodes>::enterLazily(Registers& r) {
 /// The end of an iteration: another one or what follows the loop. An empty iteration ends the repetition,
 /// even below the minimum.
 template <class Nodes>
-TAV_INLINE auto Machine<Nodes>::leaveLoop(Registers& r, const Node& node) -> Step {
+auto Machine<Nodes>::leaveLoop(Registers& r, const Node& node) -> Step {
     if (!hasRoom(r, 3)) return Step::full;
     const Record* iteration = stack_ + plan_.brackets[node.index].record;
     const int32_t count = replacedBy(const_cast<Record*>(iteration)).count;
@@ -630,7 +652,7 @@ TAV_INLINE auto Machine<Nodes>::leaveLoop(Registers& r, const Node& node) -> Ste
 }
 
 template <class Nodes>
-TAV_INLINE bool Machine<Nodes>::iterateLazily(Registers& r) {
+bool Machine<Nodes>::iterateLazily(Registers& r) {
     const Record record = *r.top--;
     if (record.levels == 0) return false;
     const int32_t opener = nodeOf(record);
@@ -642,7 +664,7 @@ TAV_INLINE bool Machine<Nodes>::iterateLazily(Registers& r) {
 
 /// An iteration has failed: its next alternative, or going on with the iterations before it.
 template <class Nodes>
-TAV_INLINE bool Machine<Nodes>::retryIteration(Registers& r) {
+bool Machine<Nodes>::retryIteration(Registers& r) {
     const Record record = *r.top;
     if (record.bound != noNode) {
         r.top->bound = nodes_[record.bound].link;
@@ -693,7 +715,7 @@ auto Machine<Nodes>::enterLook(Registers& r, const Node& node) -> Step {
 }
 
 template <class Nodes>
-TAV_INLINE auto Machine<Nodes>::enterAtomic(Registers& r, const Node& node) -> Step {
+auto Machine<Nodes>::enterAtomic(Registers& r, const Node& node) -> Step {
     if (!hasRoom(r, 2)) return Step::full;
     *++r.top = {what(sortBody, r.pc), offset(r.p), 0, r.levels};
     bracket(node).record = static_cast<int32_t>(r.top - stack_);
@@ -771,13 +793,13 @@ void Machine<Nodes>::keepSlots(Registers& r, Record* base) {
 // -------------------------------------------------------------------------------------------
 
 template <class Nodes>
-TAV_INLINE void Machine<Nodes>::restoreSlot(const Record& record) {
+void Machine<Nodes>::restoreSlot(const Record& record) {
     captures_[nodeOf(record)] = {record.at, record.bound};
 }
 
 /// Takes the newest record off the stack and undoes what it stands for.
 template <class Nodes>
-TAV_INLINE void Machine<Nodes>::undo(Record*& top) {
+void Machine<Nodes>::undo(Record*& top) {
     const Sort sort = sortOf(*top);
     if (sort == sortSlot) restoreSlot(*top);
     if (sort == sortIteration) {
@@ -798,7 +820,7 @@ void Machine<Nodes>::dropTo(Registers& r, Record* mark) {
 
 /// Goes back to the newest choice that is left; false when there is none.
 template <class Nodes>
-TAV_INLINE bool Machine<Nodes>::backtrack(Registers& r) {
+bool Machine<Nodes>::backtrack(Registers& r) {
     while (r.top != stack_) {
         bool resumed = false;
         switch (sortOf(*r.top)) {

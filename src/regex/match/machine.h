@@ -13,6 +13,9 @@
 
 #include <cstddef>
 
+/// Parts of the machine's one loop: inlined, so that its registers stay in the processor's.
+#define TAV_HOT [[gnu::always_inline]] inline
+
 namespace tav::regex {
 
 /// One record of the choice stack. A loop's iteration takes two: the one described here on top of one that
@@ -95,43 +98,45 @@ private:
     std::size_t nextCapacity() const;
     void useStack(Record* memory, std::size_t capacity, std::size_t used);
 
-    Step step(Registers& r, const Node& node);
-    Step greedy(Registers& r, const Node& node);
-    Step lazy(Registers& r, const Node& node);
-    Step advanceLazily(Registers& r, const Node& node, int32_t pc, int32_t left);
-    Step enterGroup(Registers& r, const Node& node);
-    Step leaveGroup(Registers& r, const Node& node);
-    Step enterLoop(Registers& r, const Node& node);
-    Step leaveLoop(Registers& r, const Node& node);
+    TAV_HOT Step step(Registers& r, const Node& node);
+    TAV_HOT Step classRun(Registers& r, const Node& node);
+    TAV_HOT Step takeRunOf(Registers& r, const Node& node, const Run& run);
+    TAV_HOT Step greedy(Registers& r, const Node& node);
+    TAV_HOT Step lazy(Registers& r, const Node& node);
+    TAV_HOT Step advanceLazily(Registers& r, const Node& node, int32_t pc, int32_t left);
+    TAV_HOT Step enterGroup(Registers& r, const Node& node);
+    TAV_HOT Step leaveGroup(Registers& r, const Node& node);
+    TAV_HOT Step enterLoop(Registers& r, const Node& node);
+    TAV_HOT Step leaveLoop(Registers& r, const Node& node);
     Step enterLook(Registers& r, const Node& node);
-    Step enterAtomic(Registers& r, const Node& node);
+    TAV_HOT Step enterAtomic(Registers& r, const Node& node);
     Step leaveBody(Registers& r, const Node& node);
-    void pushIteration(Registers& r, const Node& node, int32_t opener, int32_t count);
+    TAV_HOT void pushIteration(Registers& r, const Node& node, int32_t opener, int32_t count);
 
-    bool backtrack(Registers& r);
-    bool nextAlternative(Registers& r);
-    bool giveBack(Registers& r);
-    bool takeAnother(Registers& r);
-    bool retryIteration(Registers& r);
-    bool enterLazily(Registers& r);
-    bool iterateLazily(Registers& r);
+    TAV_HOT bool backtrack(Registers& r);
+    TAV_HOT bool nextAlternative(Registers& r);
+    TAV_HOT bool giveBack(Registers& r);
+    TAV_HOT bool takeAnother(Registers& r);
+    TAV_HOT bool retryIteration(Registers& r);
+    TAV_HOT bool enterLazily(Registers& r);
+    TAV_HOT bool iterateLazily(Registers& r);
     bool bodyFailed(Registers& r);
 
-    void restoreSlot(const Record& record);
-    void undo(Record*& top);
+    TAV_HOT void restoreSlot(const Record& record);
+    TAV_HOT void undo(Record*& top);
     void dropTo(Registers& r, Record* mark);
     void keepSlots(Registers& r, Record* base);
 
-    Run takeRun(const Node& node, int32_t pc, const uint8_t* p) const;
+    TAV_HOT Run takeRun(const Node& node, int32_t pc, const uint8_t* p) const;
     Run takeClass(const Node& node, int32_t pc, const uint8_t* p) const;
-    const uint8_t* consume(const Node& node, int32_t pc, const uint8_t* p) const;
+    TAV_HOT const uint8_t* consume(const Node& node, int32_t pc, const uint8_t* p) const;
     const uint8_t* consumeWide(const Node& node, int32_t pc, const uint8_t* p) const;
     const uint8_t* consumeReference(const Node& node, const uint8_t* p) const;
-    const uint8_t* stepBack(const Node& node, const uint8_t* p, const uint8_t* lowest) const;
-    bool matchesString(const Node& node, int32_t pc, const uint8_t* p) const;
+    TAV_HOT const uint8_t* stepBack(const Node& node, const uint8_t* p, const uint8_t* lowest) const;
+    TAV_HOT bool matchesString(const Node& node, int32_t pc, const uint8_t* p) const;
     bool holds(const Node& node, const uint8_t* p) const;
     bool isCondition(int32_t look) const;
-    bool mayEndAt(const uint8_t* p, int32_t next) const;
+    TAV_HOT bool mayEndAt(const uint8_t* p, int32_t next) const;
 
     int32_t offset(const uint8_t* p) const { return static_cast<int32_t>(p - begin_); }
     bool hasRoom(const Registers& r, std::ptrdiff_t records) const { return stackEnd_ - r.top > records; }
@@ -159,5 +164,7 @@ private:
 
 extern template class Machine<PlannedNodes>;
 extern template class Machine<DirectNodes>;
+
+#undef TAV_HOT
 
 } // namespace tav::regex

@@ -15,7 +15,9 @@ enum class Kind : uint8_t {
     byteCaseless,   // one ASCII letter in either case
     string,         // several bytes, exactly
     stringCaseless, //
+    charClass,      // one character of a class with tables
     item,           // one item of the sort in `item`
+    classRun,       // a greedy repeat of a class whose characters are all one byte long
     greedy,         // a greedy repeat of `item`
     lazy,           // a lazy repeat of `item`
     assertion,      // a zero-width test
@@ -80,5 +82,12 @@ struct Node {
 };
 
 static_assert(sizeof(Node) == 32);
+
+constexpr bool isGreedy(const Node& node) {
+    return node.kind == Kind::greedy || node.kind == Kind::classRun;
+}
+constexpr bool isSingleItem(const Node& node) {
+    return node.kind == Kind::item || node.kind == Kind::charClass;
+}
 
 } // namespace tav::regex

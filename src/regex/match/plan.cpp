@@ -59,6 +59,22 @@ bool hasOperation(const Program& program, uint32_t op) {
     return false;
 }
 
+/// The mode that an assertion at the program's start decides.
+StartMode startModeOf(const Program& program, bool alternatives) {
+    if (alternatives || program.length == 0 || program.code[0].op != OP_ASSERT) return StartMode::every;
+    const bool optional = program.length > 1 && isQuantifier(program.code[1].op) && program.code[1].a == 0;
+    switch (program.code[0].a) {
+    case '^':
+        if (program.options & optionMultiLine) return StartMode::lines;
+        [[fallthrough]];
+    case 'A':
+    case 'G':
+        return optional ? StartMode::every : StartMode::only;
+    default:
+        return StartMode::every;
+    }
+}
+
 /// Decodes every instruction; the class tables take what is left of the area.
 void decodeAll(Plan& plan, Area& area) {
     const Program& program = plan.program;
@@ -90,6 +106,7 @@ void build(Plan& plan, tavRegExpContext& context) {
     plan.context = &context;
     plan.program = programFrom(context);
     plan.state = PlanState::malformed;
+    plan.mode = StartMode::every;
     plan.start = StartFilter::none;
     if (!headerHolds(context)) return;
 
@@ -101,6 +118,7 @@ void build(Plan& plan, tavRegExpContext& context) {
     if (!structureHolds(plan.program, plan.brackets, plan.bracketCount)) return;
 
     plan.firstAlternative = nextAlternative(plan.program, 0, plan.program.length, 0);
+    plan.mode = startModeOf(plan.program, plan.firstAlternative != noNode);
     plan.uniformOptions = optionsNeverChange(plan.program);
     plan.hasBackReferences = hasOperation(plan.program, OP_BACKREF);
     plan.seesEnd = true;

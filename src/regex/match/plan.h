@@ -38,6 +38,13 @@ inline bool hasMalformed(const MalformedBits& bits, uint8_t byte) {
     return (bits[(byte & 0x7F) / 8] >> (byte % 8) & 1) != 0;
 }
 
+/// Which start positions a search tries at all.
+enum class StartMode : uint8_t {
+    every,
+    lines, // the given one, then those behind a line feed and the very end
+    only,  // the given one
+};
+
 /// Which start positions can begin a match.
 enum class StartFilter : uint8_t {
     none,      // any
@@ -57,6 +64,7 @@ struct Plan {
     const tavRegExpContext* context;
     Program program;
     PlanState state;
+    StartMode mode;
     StartFilter start;
     bool seesEnd;             // something in the program can tell where the usable subject ends
     bool capturesStay;        // some capture is not restored on backtracking: clear all before each start

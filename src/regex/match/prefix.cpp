@@ -74,8 +74,10 @@ private:
         case Kind::string:
         case Kind::stringCaseless:
             return addString(pc, node, offset);
+        case Kind::charClass:
         case Kind::item:
             return addOne(node, offset);
+        case Kind::classRun:
         case Kind::greedy:
         case Kind::lazy:
             return addRepeat(node, offset);

@@ -30,8 +30,7 @@ template <class Nodes>
 class Search {
 public:
     Search(const Plan& plan, const Subject& subject, const tavRegExpContext& context)
-        : plan_(plan), subject_(subject),
-          starts_(plan, subject_, startModeOf(plan.program), context.format == 1),
+        : plan_(plan), subject_(subject), starts_(plan, subject_, context.format == 1),
           machine_(plan, subject_, context.matchLimit) {}
 
     bool first(Results& results) {

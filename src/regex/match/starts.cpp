@@ -6,24 +6,8 @@
 
 namespace tav::regex {
 
-StartMode startModeOf(const Program& program) {
-    if (program.length == 0 || program.code[0].op != OP_ASSERT) return StartMode::every;
-    if (nextAlternative(program, 0, program.length, 0) != noNode) return StartMode::every;
-    const bool optional = program.length > 1 && isQuantifier(program.code[1].op) && program.code[1].a == 0;
-    switch (program.code[0].a) {
-    case '^':
-        if (program.options & optionMultiLine) return StartMode::lines;
-        [[fallthrough]];
-    case 'A':
-    case 'G':
-        return optional ? StartMode::every : StartMode::only;
-    default:
-        return StartMode::every;
-    }
-}
-
 const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) const {
-    if (mode_ != StartMode::every) return p;
+    if (plan_.mode != StartMode::every) return p;
     switch (plan_.start) {
     case StartFilter::prefix:
         return nextPrefix(p, end);
@@ -38,8 +22,8 @@ const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) const {
 }
 
 const uint8_t* Starts::after(const uint8_t* p, const uint8_t* known, const uint8_t* end) const {
-    if (mode_ == StartMode::only || p >= end) return nullptr;
-    if (mode_ == StartMode::lines) return nextLine(p, end);
+    if (plan_.mode == StartMode::only || p >= end) return nullptr;
+    if (plan_.mode == StartMode::lines) return nextLine(p, end);
     p = p < known ? known : advance(p);
     return p <= end ? from(p, end) : nullptr;
 }

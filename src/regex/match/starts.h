@@ -5,21 +5,11 @@
 
 namespace tav::regex {
 
-/// Which start positions a search tries at all.
-enum class StartMode : uint8_t {
-    every,
-    lines, // the given one, then those behind a line feed and the very end
-    only,  // the given one
-};
-
-/// The mode that an assertion at the program's start decides.
-StartMode startModeOf(const Program& program);
-
 class Starts {
 public:
     /// `wholeCharacters`: positions advance by UTF-8 characters, otherwise by bytes.
-    Starts(const Plan& plan, const Subject& subject, StartMode mode, bool wholeCharacters)
-        : plan_(plan), subject_(subject), mode_(mode), wholeCharacters_(wholeCharacters) {}
+    Starts(const Plan& plan, const Subject& subject, bool wholeCharacters)
+        : plan_(plan), subject_(subject), wholeCharacters_(wholeCharacters) {}
 
     /// The first position from `p` on, itself included, that may begin a match ending by `end`; null when
     /// none.
@@ -40,7 +30,6 @@ private:
 
     const Plan& plan_;
     const Subject& subject_;
-    StartMode mode_;
     bool wholeCharacters_;
 };
 
