@@ -134,7 +134,8 @@ tavStatus tavsCompare_16u(const uint16_t* pSrc1, const uint16_t* pSrc2, int32_t 
  * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
  * @note   *pResult is written on success only.
  */
-tavStatus tavsCompareIgnoreCaseLatin_8u(const uint8_t* pSrc1, const uint8_t* pSrc2, int32_t len, int32_t* pResult);
+tavStatus tavsCompareIgnoreCaseLatin_8u(const uint8_t* pSrc1, const uint8_t* pSrc2, int32_t len,
+                                        int32_t* pResult);
 /** tavsCompareIgnoreCaseLatin_8u for 16-bit units. tavsCompareIgnoreCase_16u knows all letters. */
 tavStatus tavsCompareIgnoreCaseLatin_16u(const uint16_t* pSrc1, const uint16_t* pSrc2, int32_t len,
                                          int32_t* pResult);
@@ -178,15 +179,18 @@ tavStatus tavsEqual_16u(const uint16_t* pSrc1, const uint16_t* pSrc2, int32_t le
  *     tavsFind_8u(text, textLength, (const uint8_t*)"://", 3, &at);
  *     if (at >= 0) schemeLength = at;
  */
-tavStatus tavsFind_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pFind, int32_t lenFind, int32_t* pIndex);
+tavStatus tavsFind_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pFind, int32_t lenFind,
+                      int32_t* pIndex);
 /** tavsFind_8u for 16-bit units. */
-tavStatus tavsFind_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pFind, int32_t lenFind, int32_t* pIndex);
+tavStatus tavsFind_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pFind, int32_t lenFind,
+                       int32_t* pIndex);
 
 /**
  * Finds the last occurrence of a string inside another: arguments and statuses of tavsFind_8u, and pIndex
  * receives the highest start of an occurrence ("aa" in "aaa": 1), or -1.
  */
-tavStatus tavsFindRev_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pFind, int32_t lenFind, int32_t* pIndex);
+tavStatus tavsFindRev_8u(const uint8_t* pSrc, int32_t len, const uint8_t* pFind, int32_t lenFind,
+                         int32_t* pIndex);
 /** tavsFindRev_8u for 16-bit units. */
 tavStatus tavsFindRev_16u(const uint16_t* pSrc, int32_t len, const uint16_t* pFind, int32_t lenFind,
                           int32_t* pIndex);
@@ -601,7 +605,8 @@ tavStatus tavsUppercaseLatin_16u_I(uint16_t* pSrcDst, int32_t len);
  * @param dst        receives the units
  * @param dstLen     in: capacity of dst in units; out: number of units written
  * @param bigEndian  0, or another value for the mode described above
- * @return tavStsNullPointer: a pointer is null (the counts are left alone); tavStsNoError, however much fitted.
+ * @return tavStsNullPointer: a pointer is null (the counts are left alone); tavStsNoError, however much
+ *         fitted.
  * @note   A capacity of srcLen units is always enough. A pair that does not fit is neither written nor
  *         consumed, so a full destination may report one unit less than its capacity. When either count is 0
  *         on entry, both are 0 on return.
@@ -625,7 +630,8 @@ tavStatus tavsConvertUTF_8u16u(const uint8_t* src, uint32_t* srcLen, uint16_t* d
  * @param dst        receives the bytes
  * @param dstLen     in: capacity of dst in bytes; out: number of bytes written
  * @param bigEndian  0, or another value when every unit of src has its bytes swapped
- * @return tavStsNullPointer: a pointer is null (the counts are left alone); tavStsNoError, however much fitted.
+ * @return tavStsNullPointer: a pointer is null (the counts are left alone); tavStsNoError, however much
+ *         fitted.
  * @note   A capacity of three bytes a unit is always enough. Conversion stops before the first character that
  *         does not fit whole: up to three bytes of the capacity may stay unused. When either count is 0 on
  *         entry, both are 0 on return.
@@ -715,8 +721,8 @@ typedef struct tavRegExpFindResult {
  *
  * @param pattern  zero-terminated pattern
  * @param size     receives the size in bytes: 24 * strlen(pattern) + 48056
- * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: the size does not fit *size (patterns of
- *         89,476,483 bytes and more), which is left untouched; tavStsNoError.
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: the size does not fit *size (patterns
+ *         of 89,476,483 bytes and more), which is left untouched; tavStsNoError.
  */
 tavStatus tavsRegExpGetSize(const char* pattern, int32_t* size);
 
@@ -727,21 +733,23 @@ tavStatus tavsRegExpGetSize(const char* pattern, int32_t* size);
  * @param options    zero-terminated option letters of "gimsx" in any order, repeated ones allowed, or null
  * @param state      the block, aligned to 8 bytes, at least as large as tavsRegExpGetSize says
  * @param errOffset  receives the byte offset of the error in the pattern; untouched on success
- * @return tavStsNullPointer: pattern, state or errOffset is null (nothing is written); tavStsBadOption: an unknown
- *         option letter, *errOffset 0; tavStsBadEscape, tavStsBadClass, tavStsBadGroupReference,
+ * @return tavStsNullPointer: pattern, state or errOffset is null (nothing is written); tavStsBadOption: an
+ *         unknown option letter, *errOffset 0; tavStsBadEscape, tavStsBadClass, tavStsBadGroupReference,
  *         tavStsPatternSyntax, tavStsRepeatLimit: the first error in the pattern, see below; tavStsNoError.
  */
-tavStatus tavsRegExpInit(const char* pattern, const char* options, tavRegExpContext* state, int32_t* errOffset);
+tavStatus tavsRegExpInit(const char* pattern, const char* options, tavRegExpContext* state,
+                         int32_t* errOffset);
 
 /**
- * Allocates a block, compiles a pattern into it and stores it in *state: the same as tavsRegExpGetSize, tavMalloc
- * and tavsRegExpInit. Release it with tavsRegExpFree.
+ * Allocates a block, compiles a pattern into it and stores it in *state: the same as tavsRegExpGetSize,
+ * tavMalloc and tavsRegExpInit. Release it with tavsRegExpFree.
  *
- * @return tavStsNullPointer: pattern or state is null (nothing is written), the allocation failed, or errOffset
- *         is null; else the answer of tavsRegExpInit. Unless pattern or state is null, *state is written: the
- *         block on success, null on every failure.
+ * @return tavStsNullPointer: pattern or state is null (nothing is written), the allocation failed, or
+ *         errOffset is null; else the answer of tavsRegExpInit. Unless pattern or state is null, *state is
+ *         written: the block on success, null on every failure.
  */
-tavStatus tavsRegExpInitAlloc(const char* pattern, const char* options, tavRegExpContext** state, int32_t* errOffset);
+tavStatus tavsRegExpInitAlloc(const char* pattern, const char* options, tavRegExpContext** state,
+                              int32_t* errOffset);
 
 /**
  * Releases a block from tavsRegExpInitAlloc. Null is allowed.
@@ -774,16 +782,16 @@ tavStatus tavsRegExpSetFormat(int32_t format, tavRegExpContext* state);
  * "g", successive matches.
  *
  * Without "g": element 0 of `pFind` receives the whole match, element i the i-th capturing group, as many as
- * `*pNumFind` and the pattern's groupCount allow. With "g": the matches stand behind each other in `pFind`; of
- * each, only the capturing groups are stored (groupCount - 1 elements), or the whole match (one element) when the
- * pattern has no capturing group. The search ends when `pFind` is full.
+ * `*pNumFind` and the pattern's groupCount allow. With "g": the matches stand behind each other in `pFind`;
+ * of each, only the capturing groups are stored (groupCount - 1 elements), or the whole match (one element)
+ * when the pattern has no capturing group. The search ends when `pFind` is full.
  *
  * After an empty match under "g" the search first tries for a match that is not empty at the same place, with
  * just the one next byte in sight, and then goes on at the next byte.
  *
- * A pattern that requires a literal at its end (lastLiteral of 0 or more) uses the subject only up to the end of
- * that literal's last occurrence: a lookahead or "$" cannot see beyond it. A path that needs more nested levels
- * than the match limit fails like any mismatch, so a limit that is too low looks like "no match".
+ * A pattern that requires a literal at its end (lastLiteral of 0 or more) uses the subject only up to the end
+ * of that literal's last occurrence: a lookahead or "$" cannot see beyond it. A path that needs more nested
+ * levels than the match limit fails like any mismatch, so a limit that is too low looks like "no match".
  *
  * @param pSrc          the subject; with "" or "\B" in the pattern the byte behind it must be readable
  * @param srcLen        its length in bytes
@@ -793,8 +801,8 @@ tavStatus tavsRegExpSetFormat(int32_t format, tavRegExpContext* state);
  * @return tavStsNullPointer: an argument is null; tavStsNegativeLength: srcLen is negative; tavStsBadCount:
  *         *pNumFind is below 1; tavStsBadContext: not a compiled pattern (in these cases nothing is written);
  *         tavStsRepeatLimit: the match limit in the context is negative (*pNumFind keeps its value);
- *         tavStsResultsTruncated: found, but pFind has fewer elements than one match fills; else tavStsNoError,
- *         found or not.
+ *         tavStsResultsTruncated: found, but pFind has fewer elements than one match fills; else
+ *         tavStsNoError, found or not.
  *
  * Nothing is allocated. Machine stack: at most 256 KiB under the default match limit, a few KiB as a rule.
  *

@@ -19,7 +19,8 @@ public:
         for (const std::size_t unit : {0x019Fu, 0x01A6u})
             toLower_[unit] = 0;
         toUpper_[0x0258] = 0x018E;
-        for (const std::size_t unit : {0x01DDu, 0x0275u, 0x0280u, 0x0345u, 0x03C2u, 0x03F2u, 0x1E9Bu, 0x1FBEu})
+        for (const std::size_t unit :
+             {0x01DDu, 0x0275u, 0x0280u, 0x0345u, 0x03C2u, 0x03F2u, 0x1E9Bu, 0x1FBEu})
             toUpper_[unit] = 0;
     }
 

@@ -325,6 +325,7 @@ void Emitter::moveLiterals() {
         Instruction& instruction = program_[i];
         if (instruction.op != OP_STRING) continue;
         const auto length = static_cast<std::size_t>(instruction.b);
+        // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): a string instruction always has its text
         std::memcpy(pool, static_cast<const uint8_t*>(instruction.text) - length, length);
         instruction.text = pool;
         pool += length;

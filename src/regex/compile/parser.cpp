@@ -15,7 +15,7 @@ namespace {
 constexpr auto metacharacters = [] {
     std::array<bool, 256> table{};
     for (const char c : std::string_view(".^$|()[*+?\\"))
-        table[static_cast<std::size_t>(c)] = true;
+        table[static_cast<uint8_t>(c)] = true;
     return table;
 }();
 

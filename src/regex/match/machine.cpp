@@ -140,7 +140,7 @@ template <class Nodes>
 template <class Nodes>
 std::size_t Machine<Nodes>::nextCapacity() const {
     constexpr std::size_t forDefaultLimit = 15'000; // 24 bytes for each of 10,000 levels
-    constexpr std::size_t reserve = 64 * 1024;      // of the thread's stack, for whatever is called from here
+    constexpr std::size_t reserve = 65'536;         // of the thread's stack, for whatever is called from here
     const std::size_t needed = static_cast<std::size_t>(matchLimit_) * 3 / 2 + 16;
     const auto present = static_cast<std::size_t>(stackEnd_ - stack_) + 2;
     std::size_t capacity = 2 * present > forDefaultLimit ? 2 * present : forDefaultLimit;
