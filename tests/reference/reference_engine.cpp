@@ -13,11 +13,6 @@ namespace {
 
 using namespace tav::regex;
 
-constexpr bool lineStartHoldsAtTheVeryEnd = true;
-constexpr bool skipSeesTheByteBehind = false;
-constexpr bool conditionKeepsItsLevel = true;
-constexpr bool atomicIterationsKeepTheirLevels = true;
-
 constexpr bool isAsciiLetter(uint32_t c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
@@ -319,7 +314,7 @@ bool Engine::repeatLazy(int32_t pc, const Repetition& repeat, Path path, Bracket
         if (count > repeat.max) return false;
         if (count >= repeat.min) {
             const bool skipped =
-                skips && (path.at >= (skipSeesTheByteBehind ? subject_.length : end_) ||
+                skips && (path.at >= subject_.length ||
                           subject_.bytes[path.at] != static_cast<uint8_t>(program_.code[repeat.next].a));
             if (!skipped && match(repeat.next, path, inside)) return true;
         }
@@ -500,7 +495,7 @@ bool Engine::assertionHolds(uint8_t kind, Path path) const {
     case 'G':
         return atStart;
     case anchorLineStart:
-        return atStart || afterLineFeed || (lineStartHoldsAtTheVeryEnd && left == 0);
+        return atStart || afterLineFeed;
     case 'b':
     case 'B': {
         // Deliberate: the byte behind the subject's end is looked at too.
@@ -580,7 +575,6 @@ bool Engine::conditional(int32_t pc, Path path, Bracket& body) {
     } else {
         Path inCondition = path;
         holds = enterLevel(inCondition) && lookaroundHolds(pc + 1, inCondition);
-        if (conditionKeepsItsLevel) path.depth = inCondition.depth;
         branch = pc + 1 + condition.b + 2;
     }
     if (!holds) {
@@ -607,7 +601,7 @@ bool Engine::atomicIterations(GroupRun& run, int32_t done, Path path) {
     const auto rest = [&](Path from) { return match(repeat.next, from, run.outer); };
     if (repeat.lazy && done >= repeat.min && rest(path)) return true;
     Path iteration = path;
-    const bool hasLevel = !atomicIterationsKeepTheirLevels || done == 0 || enterLevel(iteration);
+    const bool hasLevel = done == 0 || enterLevel(iteration);
     if (done < repeat.max && hasLevel) {
         const std::vector<Span> before = slots_;
         BodyAlone body(program_.code[run.open].a, run.close);
