@@ -712,6 +712,50 @@ typedef struct tavRegExpFindResult {
     int32_t length;       /**< length in bytes; -1 for a group that took no part in the match */
 } tavRegExpFindResult;
 
+/** One piece of a replacement template. */
+typedef struct tavRegExpReplaceItem {
+    uint32_t kind;    /**< tavReplaceLiteral or tavReplaceGroup */
+    uint32_t value;   /**< literal: number of bytes; group reference: group number, 0 the whole match */
+    const char* text; /**< literal: its first byte, inside the caller's template; else not used */
+} tavRegExpReplaceItem;
+
+/** The values of tavRegExpReplaceItem.kind. */
+enum { tavReplaceLiteral = 0x10000001, tavReplaceGroup = 0x10000002 };
+
+/**
+ * A replacement template cut into items: this header, then the items, in one block of the caller's.
+ *
+ * tavsRegExpReplaceGetSize tells the size of the block, which must be aligned to 8 bytes;
+ * tavsRegExpReplaceInit prepares it. Literal items point into the template text: it must stay as it is while
+ * the context is in use. A replacement only reads the context, so any number of threads may share it.
+ */
+typedef struct tavRegExpReplaceContext {
+    int32_t itemCount;           /**< number of items */
+    tavRegExpReplaceItem* items; /**< the items, directly behind this header; null for a null template */
+} tavRegExpReplaceContext;
+
+/**
+ * A set of patterns under identifiers: this header, then its two arrays, in one block of the caller's.
+ *
+ * tavsRegExpMultiGetSize tells the size of the block, which must be aligned to 8 bytes. The set holds pointers
+ * to the patterns and nothing of theirs: the caller keeps them alive while they are members, and releases
+ * them. A free slot has a null pattern and the identifier 0.
+ */
+typedef struct tavRegExpMultiContext {
+    int32_t capacity;            /**< number of slots */
+    tavRegExpContext** patterns; /**< the pattern of each slot, null in a free one */
+    uint32_t* ids;               /**< the identifier of each slot, 0 in a free one */
+} tavRegExpMultiContext;
+
+/** What the search of one slot of a set gave; entry i of an array belongs to slot i. */
+typedef struct tavRegExpMultiFindResult {
+    int32_t searched;           /**< 1: the slot held a pattern and was searched; untouched for a free slot */
+    uint32_t id;                /**< the slot's identifier */
+    int32_t numFind;            /**< in: the number of elements of finds; out: the number written */
+    tavStatus status;           /**< what tavsRegExpFind_8u answered for this slot */
+    tavRegExpFindResult* finds; /**< the caller's result array for this slot */
+} tavRegExpMultiFindResult;
+
 /* ------------------------------------------------------------------------------------------------------- */
 /* Regular expressions: compiling                                                                          */
 
@@ -752,10 +796,10 @@ tavStatus tavsRegExpInitAlloc(const char* pattern, const char* options, tavRegEx
                               int32_t* errOffset);
 
 /**
- * Releases a block from tavsRegExpInitAlloc. Null is allowed.
+ * Releases a block from tavsRegExpInitAlloc. Null is allowed. It is the same function as tavsRegExpMultiFree.
  * @return tavStsNoError.
  */
-tavStatus tavsRegExpFree(tavRegExpContext* state);
+tavStatus tavsRegExpFree(void* state);
 
 /**
  * Sets how deep a search may go before it gives up; see tavsRegExpFind_8u.
@@ -815,6 +859,195 @@ tavStatus tavsRegExpSetFormat(int32_t format, tavRegExpContext* state);
  */
 tavStatus tavsRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen, tavRegExpContext* pRegExpState,
                             tavRegExpFindResult* pFind, int32_t* pNumFind);
+
+/* ------------------------------------------------------------------------------------------------------- */
+/* Regular expressions: replacement                                                                        */
+
+/*
+ * A template is text with references:
+ *
+ *     $&     the whole match
+ *     $1     the first capturing group; a group that took no part in the match stands for nothing
+ *     \      vanishes; the byte behind it keeps its meaning, so "\$1" is still a reference
+ *
+ * Every digit behind "$" belongs to the number, and each one multiplies what stands before it by eleven, not
+ * by ten: $12 is group 13 (11 * 1 + 2), $10 is group 11, and group 10 cannot be named. Numbers wrap at 32 bits.
+ * There is no way to write a literal "$" or "\".
+ */
+
+/**
+ * The size of the block that tavsRegExpReplaceInit needs for a template.
+ *
+ * @param templateText  zero-terminated template; null counts as empty
+ * @param size          receives the size in bytes: 16 * strlen(templateText) + 16
+ * @return tavStsNullPointer: size is null; tavStsNegativeLength: the size does not fit *size (templates of
+ *         134,217,727 bytes and more), which is left untouched; tavStsNoError.
+ */
+tavStatus tavsRegExpReplaceGetSize(const char* templateText, int32_t* size);
+
+/**
+ * Cuts a template into items.
+ *
+ * @param templateText  zero-terminated template, or null: no items. It must outlive the context.
+ * @param context       the block, aligned to 8 bytes, at least as large as tavsRegExpReplaceGetSize says
+ * @return tavStsNullPointer: context is null; tavStsBadGroupReference: a "$" that neither "&" nor a digit follows,
+ *         or a group number of 0 ($0, $00), see the note; tavStsNoError.
+ * @note   After tavStsBadGroupReference the items before the fault are written, but itemCount keeps the value
+ *         that the block had before: such a context must not be used.
+ */
+tavStatus tavsRegExpReplaceInit(const char* templateText, tavRegExpReplaceContext* context);
+
+/**
+ * Copies a text and replaces its first match, or every match when the pattern was compiled with the option "g".
+ *
+ * The search is that of tavsRegExpFind_8u, with one difference: under "g" every match stores groupCount
+ * elements in `results`, the whole match first. Only matches stored with all their elements are replaced, so
+ * `results` limits the number of replacements: give it groupCount elements for each.
+ *
+ * A destination that is too small is no error: the two lengths tell how far the work went. Except for a text
+ * without a match, a part is copied only when at least one byte of the capacity stays free behind it.
+ *
+ *   no match (or a search that failed): as much of the source as fits is copied; both lengths tell how much.
+ *   with "g": the work stops before the first part that does not fit. Before a match: *srcLen is the end of the
+ *     previous match. Inside a replacement: *srcLen is the start of that match and its replacement does not
+ *     count. Before the rest behind the last match: *srcLen is the end of the last match. *dstLen tells what is
+ *     complete. Bytes of an incomplete replacement may stand behind it.
+ *   without "g", with p the offset of the match:
+ *     *dstLen is p or less: nothing is written, both lengths become 0;
+ *     the replacement does not fit: both lengths become p;
+ *     the rest behind the match does not fit: *srcLen is the end of the match, *dstLen ends with the
+ *       replacement;
+ *     an empty template: the match is removed and *srcLen stays, but *dstLen becomes p: the rest is written and
+ *       not counted.
+ *
+ * @warning Without "g" the destination must be larger than *dstLen says. The replacement is measured as if it
+ *          stood at the start of the destination: provide room for p + *dstLen - 1 bytes, at most twice the
+ *          capacity. With an empty template the rest is copied whatever the capacity: once *dstLen exceeds p,
+ *          provide room for the whole source without its match. Under "g" nothing is written outside the
+ *          capacity.
+ *
+ * @param src         the text; with "\b" or "\B" in the pattern the byte behind it must be readable
+ * @param srcLen      in: its length in bytes, 1 or more; out: the number of bytes used
+ * @param dst         the destination; it does not overlap the source
+ * @param dstLen      in: its capacity in bytes, 1 or more; out: the number of bytes written
+ * @param results     array for the matches
+ * @param numResults  in: the number of elements of results; out: the number written
+ * @param pattern     the compiled pattern; its work area is written, so one search at a time
+ * @param context     the template
+ * @return tavStsNullPointer: an argument is null; tavStsBadCount: *srcLen or *dstLen is below 1 (in these cases
+ *         nothing is written); else the status of the search, whatever was replaced. With a failure of the
+ *         search (tavStsBadCount: *numResults is below 1; tavStsBadContext; tavStsRepeatLimit) the source is
+ *         copied as for no match.
+ *
+ * @code
+ * // "2026-11-20" -> "20.11.2026", for every date in the text: pattern "(\d+)-(\d+)-(\d+)", options "g"
+ * tavsRegExpReplaceInit("$3.$2.$1", template);
+ * int32_t used = textLength, written = capacity, count = maxMatches * 4;
+ * tavsRegExpReplace_8u(text, &used, out, &written, results, &count, pattern, template);
+ * @endcode
+ */
+tavStatus tavsRegExpReplace_8u(const uint8_t* src, int32_t* srcLen, uint8_t* dst, int32_t* dstLen,
+                               tavRegExpFindResult* results, int32_t* numResults, tavRegExpContext* pattern,
+                               const tavRegExpReplaceContext* context);
+
+/* ------------------------------------------------------------------------------------------------------- */
+/* Regular expressions: sets of patterns                                                                   */
+
+/*
+ * One call searches a text with every pattern of a set. Identifiers are the caller's, any number but 0; one
+ * identifier may stand in several slots, and the functions that look for it take the lowest. A set may be
+ * searched by one thread at a time, and no pattern of it by another search meanwhile.
+ */
+
+/**
+ * The size of the block of a set.
+ *
+ * @param maxPatterns  number of slots, 1 to 178,956,968
+ * @param size         receives the size in bytes: 24 + 12 * maxPatterns
+ * @return tavStsNullPointer: size is null; tavStsBadCount: maxPatterns is 0 or so large that the size does not fit
+ *         *size, which is left untouched; tavStsNoError.
+ */
+tavStatus tavsRegExpMultiGetSize(uint32_t maxPatterns, int32_t* size);
+
+/**
+ * Makes an empty set in a block of the caller's.
+ *
+ * @param set          the block, aligned to 8 bytes, at least as large as tavsRegExpMultiGetSize says
+ * @param maxPatterns  number of slots, as for tavsRegExpMultiGetSize
+ * @return tavStsNullPointer: set is null; tavStsBadCount: as tavsRegExpMultiGetSize; tavStsNoError.
+ */
+tavStatus tavsRegExpMultiInit(tavRegExpMultiContext* set, uint32_t maxPatterns);
+
+/**
+ * Allocates a block with tavMalloc, makes an empty set in it and stores it in *setOut. Release it with
+ * tavsRegExpMultiFree.
+ *
+ * @return tavStsNullPointer: setOut is null, or the allocation failed (*setOut is then null); tavStsBadCount:
+ *         as tavsRegExpMultiGetSize (nothing is written); tavStsNoError.
+ */
+tavStatus tavsRegExpMultiInitAlloc(tavRegExpMultiContext** setOut, uint32_t maxPatterns);
+
+/**
+ * Releases a block from tavsRegExpMultiInitAlloc, not the patterns in the set. Null is allowed. It is the same
+ * function as tavsRegExpFree.
+ * @return tavStsNoError.
+ */
+tavStatus tavsRegExpMultiFree(void* set);
+
+/**
+ * Puts a pattern into the lowest free slot.
+ *
+ * @param pattern  a compiled pattern (its tag is tested by the search only); it must outlive its membership
+ * @param id       its identifier, not 0; one that is already in the set fills another slot
+ * @param set      the set
+ * @return tavStsNullPointer: pattern or set is null; tavStsBadArgument: id is 0; tavStsSetFull: no slot is free;
+ *         tavStsNoError. Nothing changes on a failure.
+ */
+tavStatus tavsRegExpMultiAdd(tavRegExpContext* pattern, uint32_t id, tavRegExpMultiContext* set);
+
+/**
+ * Frees the lowest slot with an identifier.
+ *
+ * @return tavStsNullPointer: set is null; tavStsBadArgument: id is 0; tavStsNotFound: no slot has it;
+ *         tavStsNoError. Nothing changes on a failure.
+ */
+tavStatus tavsRegExpMultiDelete(uint32_t id, tavRegExpMultiContext* set);
+
+/**
+ * Puts another pattern into the lowest slot with an identifier, which it keeps.
+ *
+ * @return tavStsNullPointer: pattern or set is null; tavStsBadArgument: id is 0; tavStsNotFound: no slot has it;
+ *         tavStsNoError. Nothing changes on a failure.
+ * @note   A capacity below 0, which no initialiser makes, is not searched: tavsRegExpMultiAdd fills slot 0,
+ *         tavsRegExpMultiDelete clears it and tavsRegExpMultiModify replaces its pattern, whatever it holds.
+ */
+tavStatus tavsRegExpMultiModify(tavRegExpContext* pattern, uint32_t id, tavRegExpMultiContext* set);
+
+/**
+ * Searches a text with every pattern of a set, as tavsRegExpFind_8u does with one.
+ *
+ * @param src      the text
+ * @param len      its length in bytes, 1 or more
+ * @param results  one entry per slot: the caller sets `finds` and `numFind`, and `searched` to 0; the entry of a
+ *                 slot with a pattern receives `numFind`, `status`, `id`, and 1 in `searched`; the entry of a
+ *                 free slot is left as it is
+ * @param set      the set; the work areas of its patterns are written
+ * @return tavStsNullPointer: src, set or results is null; tavStsBadCount: len is below 1; else tavStsNoError,
+ *         whatever the single searches answered: that stands in their entries.
+ *
+ * @code
+ * for (i = 0; i < set->capacity; i++) {
+ *     results[i].searched = 0;
+ *     results[i].finds = &match[i];
+ *     results[i].numFind = 1;
+ * }
+ * tavsRegExpMultiFind_8u(line, lineLength, results, set);
+ * for (i = 0; i < set->capacity; i++)
+ *     if (results[i].searched && results[i].numFind > 0) count[results[i].id]++;
+ * @endcode
+ */
+tavStatus tavsRegExpMultiFind_8u(const uint8_t* src, int32_t len, tavRegExpMultiFindResult* results,
+                                 tavRegExpMultiContext* set);
 
 #ifdef __cplusplus
 }

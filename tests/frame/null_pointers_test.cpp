@@ -34,8 +34,10 @@ std::byte* area(std::size_t parameter) {
 /// Parameters for which null has a meaning of its own.
 [[maybe_unused]] bool mayBeNull(std::string_view function, std::size_t parameter) {
     const bool options = parameter == 1;
+    const bool templateText = parameter == 0;
     return function == "tavsRegExpFree" || function == "tavsRegExpMultiFree" ||
-           ((function == "tavsRegExpInit" || function == "tavsRegExpInitAlloc") && options);
+           ((function == "tavsRegExpInit" || function == "tavsRegExpInitAlloc") && options) ||
+           ((function == "tavsRegExpReplaceGetSize" || function == "tavsRegExpReplaceInit") && templateText);
 }
 
 template <class T>

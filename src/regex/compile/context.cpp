@@ -37,8 +37,8 @@ tavStatus initAlloc(const char* pattern, const char* options, tavRegExpContext**
     return status;
 }
 
-tavStatus release(tavRegExpContext* state) {
-    tavFree(state);
+tavStatus release(void* block) {
+    tavFree(block);
     return tavStsNoError;
 }
 
