@@ -759,66 +759,175 @@ typedef struct tavRegExpMultiFindResult {
 /* ------------------------------------------------------------------------------------------------------- */
 /* Regular expressions: compiling                                                                          */
 
+/*
+ * A pattern is compiled once, into one block of memory, and searched for many times:
+ *
+ *     int32_t size, errOffset;
+ *     tavsRegExpGetSize("a(b+)c", &size);
+ *     tavRegExpContext* pattern = malloc(size);
+ *     if (tavsRegExpInit("a(b+)c", "i", pattern, &errOffset) != tavStsNoError)
+ *         fprintf(stderr, "error in the pattern at byte %d\n", (int)errOffset);
+ *     ...                          searches
+ *     free(pattern);
+ *
+ * Compiling allocates nothing, needs less than 64 KiB of machine stack and takes time in proportion to the
+ * pattern's length. The block is the caller's, aligned to 8 bytes; it must not be moved or copied, since the
+ * program holds the addresses of its literals. The pattern's text is not needed afterwards.
+ *
+ * The pattern language
+ * --------------------
+ * A pattern is a zero-terminated string of bytes. Every byte stands for itself but . ^ $ | ( ) [ * + ? \
+ * and a "{" that begins a quantifier. Outside classes a UTF-8 character is simply its bytes, so a quantifier
+ * behind one takes its last byte only: group it, or write it as \x{...}.
+ *
+ *   .                    any character but a line feed; with option "s" any character
+ *   ^  $                 start and end of the subject; with option "m" of a line
+ *   x|y                  x, or else y
+ *
+ *   (x)                  capturing group, numbered by its "(" from 1. A pattern may have 999 groups of
+ *                        all kinds, up to 999 deep (plain groups around single items do not count)
+ *   (?:x)  (?>x)         plain group; atomic group: once x has matched it is not entered again
+ *   (?=x)  (?!x)         lookahead, negative lookahead
+ *   (?<=x) (?<!x)        lookbehind: every way through x must have the same number of characters, and a
+ *                        literal counts by its bytes: write characters from U+0080 on as \x{...}
+ *   (?(n)x|y)            x when group n has taken part, else y; n is 1 to 9 (see the notes)
+ *   (?(?=c)x|y)          x when the lookaround holds, else y; all four kinds of lookaround
+ *   (?imsx-imsx)         sets options, behind "-" clears them, up to the end of the enclosing group
+ *   (?imsx-imsx:x)       plain group with options of its own
+ *   (?#text)             comment up to the next ")"
+ *
+ *   * + ?                0 or more, 1 or more, 0 or 1 times, as often as possible
+ *   {n} {n,} {n,m} {,m}  exactly n, at least n, n to m, at most m times, up to 65535; {} is {0}, {,} is *
+ *   *? +? ?? {n,m}?      the same, as rarely as possible
+ *                        A quantifier right after a quantifier, "|", a group's opener or an option
+ *                        setting, or with nothing before it, is an error.
+ *
+ *   [abc] [^abc]         one character of a class, or one that is not in it. Members are characters (UTF-8
+ *                        characters too), ranges a-z, \d \D \s \S \w \W, \p{...}, \Q...\E, escaped characters
+ *                        (\b is the backspace) and [:name:] or [:^name:] with the names alnum alpha
+ *                        ascii blank cntrl digit graph lower print punct space upper word xdigit. "]" and
+ *                        "-" stand for themselves at the start, "-" also where it is not between two
+ *                        characters.
+ *
+ *   \a \e \f \n \r \t \v the characters 7, 27, 12, 10, 13, 9, 11
+ *   \cX                  a control character
+ *   \0 \012 \123         an octal value: \0 and up to two digits, or two to three digits that are no
+ *                        group's number
+ *   \x41                 a byte, by up to two hexadecimal digits
+ *   \x{20AC}             a character, by up to eight hexadecimal digits
+ *   \1 to \999           what group n has matched, when the pattern has that many groups anywhere in it
+ *   \d \s \w             digit, white space, word character;  \D \S \W  anything else
+ *   \b \B                word boundary, no word boundary
+ *   \A \G \z \Z          start of the subject (both); its end; its end or before its final line feed
+ *   \C \X                any single byte; a character with its combining marks
+ *   \pL \p{Lu} \p{Greek} a character with a property of Unicode 5.1: C L M N P S Z, or in braces a general
+ *   \p{InArrows} \p{Any} category, a script, "In" and a block's name (a prefix is enough), or Any
+ *   \PL \P{Lu} \p{^Lu}   one without it
+ *   \Q...\E              everything in between stands for itself
+ *   \ and any other      that byte itself
+ *
+ * Options, in the options string or (but "g") inline:
+ *
+ *   i  letters match in either case               x  white space and "#" to the end of the line are ignored
+ *   m  "^" and "$" also match at line breaks          in the pattern, outside classes and \Q...\E
+ *   s  "." also matches a line feed               g  search and replace for every match, not only the first
+ *
+ * Notes: properties of the language that patterns in use rely on.
+ * - In "(?(digits)" the digits add up as 11 * n + digit: "(?(12)" asks for group 13, "(?(10)" for group 11.
+ * - A quantifier after a lookaround removes it when its minimum is 0, and is ignored otherwise.
+ * - "[\^]", a class of "^" alone, is an error: write "\^".
+ * - [:punct:] holds the space and the bytes from 0x7B on, [:graph:] and [:print:] run up to byte 0xFF.
+ * - A class of one character becomes that character: one of U+0080 to U+00FF then matches its byte value.
+ */
+
 /**
- * The size of the block that tavsRegExpInit needs for a pattern. Only the pattern's length counts; it is not
- * parsed.
+ * The size of the block that a pattern needs. Only the pattern's length counts; it is not parsed.
  *
  * @param pattern  zero-terminated pattern
  * @param size     receives the size in bytes: 24 * strlen(pattern) + 48056
- * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: the size does not fit *size (patterns
- *         of 89,476,483 bytes and more), which is left untouched; tavStsNoError.
+ * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: the size does not fit *size, which
+ *         stays untouched (patterns of 89,476,483 bytes and more); tavStsNoError.
  */
 tavStatus tavsRegExpGetSize(const char* pattern, int32_t* size);
 
 /**
- * Compiles a pattern into a block of the caller's.
+ * Compiles a pattern into a block of the caller's. The block's former content does not matter; after a
+ * failure it is no pattern and must not be searched with.
  *
  * @param pattern    zero-terminated pattern; not needed any more when the call has returned
- * @param options    zero-terminated option letters of "gimsx" in any order, repeated ones allowed, or null
- * @param state      the block, aligned to 8 bytes, at least as large as tavsRegExpGetSize says
- * @param errOffset  receives the byte offset of the error in the pattern; untouched on success
- * @return tavStsNullPointer: pattern, state or errOffset is null (nothing is written); tavStsBadOption: an
- *         unknown option letter, *errOffset 0; tavStsBadEscape, tavStsBadClass, tavStsBadGroupReference,
- *         tavStsPatternSyntax, tavStsRepeatLimit: the first error in the pattern, see below; tavStsNoError.
+ * @param options    zero-terminated letters of "gimsx" in any order, repetitions allowed; or null for none
+ * @param state      the block: aligned to 8 bytes, at least of the size that tavsRegExpGetSize tells;
+ *                   its match limit becomes 10000, its format 1; the work area is not written
+ * @param errOffset  receives the byte offset in the pattern at which an error was found, 0 for a bad option;
+ *                   untouched on success
+ * @return tavStsNullPointer: pattern, state or errOffset is null (nothing is written);
+ *         tavStsBadOption: an option letter other than g, i, m, s, x;
+ *         then the first error of the pattern, where groups, comments and the \Q in classes are checked for
+ *         the whole pattern before anything else:
+ *         tavStsPatternSyntax: unbalanced parentheses, an unclosed comment, more than 999 groups or levels,
+ *         an unknown form behind "(?", a condition that is neither a number nor a lookaround, a conditional
+ *         with more than two alternatives, a lookbehind without a fixed length, a class without members or
+ *         with "^" alone;
+ *         tavStsBadGroupReference: a back-reference to a group that does not exist, a condition on group 0;
+ *         tavStsBadClass: a class without end, a reversed range, an unknown [:name:], any [.x.] or [=x=],
+ *         "\Q" without "\E" in a class;
+ *         tavStsBadEscape: an unknown property, "\p{" or "\x{" without "}";
+ *         tavStsRepeatLimit: a quantifier that is too large, reversed, or has nothing to repeat;
+ *         tavStsNoError.
  */
 tavStatus tavsRegExpInit(const char* pattern, const char* options, tavRegExpContext* state,
                          int32_t* errOffset);
 
 /**
- * Allocates a block, compiles a pattern into it and stores it in *state: the same as tavsRegExpGetSize,
- * tavMalloc and tavsRegExpInit. Release it with tavsRegExpFree.
+ * Allocates a block with tavMalloc and compiles a pattern into it.
  *
- * @return tavStsNullPointer: pattern or state is null (nothing is written), the allocation failed, or
- *         errOffset is null; else the answer of tavsRegExpInit. Unless pattern or state is null, *state is
- *         written: the block on success, null on every failure.
+ * @param pattern    as for tavsRegExpInit
+ * @param options    as for tavsRegExpInit
+ * @param state      receives the block, which is to be released with tavsRegExpFree; null on every failure
+ *                   (but untouched when pattern is null)
+ * @param errOffset  as for tavsRegExpInit
+ * @return tavStsNullPointer: pattern or state is null, the allocation failed, or errOffset is null; else
+ *         the answer of tavsRegExpInit.
+ *
+ *     tavRegExpContext* words;
+ *     int32_t errOffset;
+ *     if (tavsRegExpInitAlloc("\\w+", NULL, &words, &errOffset) == tavStsNoError) {
+ *         ...
+ *         tavsRegExpFree(words);
+ *     }
  */
 tavStatus tavsRegExpInitAlloc(const char* pattern, const char* options, tavRegExpContext** state,
                               int32_t* errOffset);
 
 /**
- * Releases a block from tavsRegExpInitAlloc. Null is allowed. It is the same function as tavsRegExpMultiFree.
+ * Releases a block from tavsRegExpInitAlloc or tavsRegExpMultiInitAlloc, as tavsRegExpMultiFree does. Null is
+ * allowed.
  * @return tavStsNoError.
  */
 tavStatus tavsRegExpFree(void* state);
 
 /**
- * Sets how deep a search may go before it gives up; see tavsRegExpFind_8u.
+ * Sets the depth budget of searches with a pattern: a match that would go deeper is not found. May be called
+ * at any time between searches.
  *
- * @param limit  the depth budget, 0 or more
- * @param state  a compiled pattern (its tag is not tested)
+ * @param limit  the budget, 0 or more; 10000 after compilation
+ * @param state  the compiled pattern; its tag is not tested
  * @return tavStsNullPointer: state is null; tavStsNegativeLength: limit is negative; tavStsNoError.
  */
 tavStatus tavsRegExpSetMatchLimit(int32_t limit, tavRegExpContext* state);
 
 /**
- * Sets by what steps a search moves its start.
+ * Sets how the start of an attempt moves on: by whole characters or by bytes. May be called at any time
+ * between searches.
  *
- * @param format  1: whole UTF-8 characters, the setting after compilation; 0: bytes
- * @param state   a compiled pattern (its tag is not tested)
- * @return tavStsNullPointer: state is null; tavStsOutOfRange: any other format, which is not stored;
+ * @param format  1, as after compilation: by UTF-8 characters; 0: by bytes
+ * @param state   the compiled pattern; its tag is not tested
+ * @return tavStsNullPointer: state is null; tavStsOutOfRange: format is neither 0 nor 1 (nothing is stored);
  *         tavStsNoError.
  */
 tavStatus tavsRegExpSetFormat(int32_t format, tavRegExpContext* state);
+
+/* ------------------------------------------------------------------------------------------------------- */
 /* Regular expressions: search                                                                             */
 
 /**

@@ -68,6 +68,11 @@ TEST(Program, OfQuantifiers) {
         {"^*", "ASSERT ^ | GREEDY 0..inf"},
         {"\\b+?", "ASSERT b | LAZY 1..inf"},
         {"[ab]{2}", "SET 2 | CHAR 'a' | CHAR 'b' | GREEDY 2..2"},
+        {"a{x}*", "STRING \"a{x\" | CHAR '}' | GREEDY 0..inf"},
+        {"\\**", "CHAR '*' | GREEDY 0..inf"},
+        {"\\}+", "CHAR '}' | GREEDY 1..inf"},
+        {"[*]?", "CHAR '*' | GREEDY 0..1"},
+        {"\\Q*\\E*", "CHAR '*' | GREEDY 0..inf"},
         {"(a)+", "CAPTURE id=1 body=1 slot=1 | CHAR 'a' | GROUP_END id=1 | GREEDY 1..inf"},
     });
 }
