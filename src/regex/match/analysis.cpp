@@ -1,5 +1,6 @@
 #include "regex/match/analysis.h"
 
+#include "regex/match/class_runs.h"
 #include "regex/match/first_bytes.h"
 
 namespace tav::regex {
@@ -119,6 +120,7 @@ void analyse(Plan& plan) {
     analyseCaptures(plan);
     analyseStart(plan);
     analyseLeadingRun(plan);
+    findClassRun(plan);
 }
 
 } // namespace tav::regex

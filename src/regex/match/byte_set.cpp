@@ -50,9 +50,11 @@ struct AllRanges {
 
 ByteRanges ByteRanges::covering(const ByteSet& set) {
     AllRanges all(set);
+    const bool exact = all.count <= maximum;
     while (all.count > maximum)
         all.closeCheapestGap();
     ByteRanges ranges;
+    ranges.exact = exact;
     ranges.count = static_cast<uint8_t>(all.count);
     for (int32_t i = 0; i < all.count; ++i) {
         ranges.first[i] = all.first[i];

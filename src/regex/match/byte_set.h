@@ -8,6 +8,10 @@ namespace tav::regex {
 class ByteSet {
 public:
     void add(uint8_t byte) { words_[byte / 64] |= uint64_t{1} << (byte % 64); }
+    void add(const ByteSet& other) {
+        for (int i = 0; i < 4; ++i)
+            words_[i] |= other.words_[i];
+    }
     void addAll() {
         for (uint64_t& word : words_)
             word = ~uint64_t{0};
@@ -26,15 +30,18 @@ private:
     uint64_t words_[4] = {};
 };
 
-/// A set that contains another one, as at most three ranges of neighbouring values.
+/// A set that contains another one, as at most four ranges of neighbouring values.
 struct ByteRanges {
-    static constexpr int32_t maximum = 3;
+    static constexpr int32_t maximum = 4;
     uint8_t count = 0;
+    bool exact = true; // no more than the other set
     uint8_t first[maximum] = {};
     uint8_t last[maximum] = {};
 
     /// The closest such set: the gaps given up are those least common in text.
     static ByteRanges covering(const ByteSet& set);
+
+    bool isOneValue() const { return count == 1 && first[0] == last[0]; }
 
     /// How common the values are in text and data; the lower, the better a scan for them pays.
     int32_t commonness() const;

@@ -56,9 +56,10 @@ private:
         case Kind::greedy:
         case Kind::lazy:
             return addRepeat(node);
-        case Kind::assertion:
         case Kind::pass:
             return node.next;
+        case Kind::assertion:
+            return pastAssertion(node);
         case Kind::group:
         case Kind::loop:
         case Kind::atomic:
@@ -70,7 +71,7 @@ private:
             return leaveLoop(node);
         case Kind::look:
         case Kind::conditionGroup:
-            return branch(node);
+            return branch(pc, node);
         case Kind::bodyEnd: // the body has succeeded here, whatever stands behind it
         case Kind::matchEnd:
         case Kind::alternativeEnd:
@@ -128,8 +129,32 @@ private:
         return false;
     }
 
-    /// A lookaround consumes nothing; a condition leads to either branch.
-    int32_t branch(const Node& node) {
+    /// Where a byte is left, an end of the subject or line is in front of a line feed or nowhere.
+    int32_t pastAssertion(const Node& node) {
+        switch (node.byte) {
+        case '$':
+        case 'Z':
+            first_.bytes.add('\n');
+            return noNode;
+        case 'z':
+            return noNode;
+        default:
+            return node.next;
+        }
+    }
+
+    /// A lookaround consumes nothing, but a lookahead may tell more of the next byte than what follows it. A
+    /// condition leads to either branch.
+    int32_t branch(int32_t pc, const Node& node) {
+        if (node.kind == Kind::look && node.other == noNode && !node.has(traitBehind)) {
+            FirstBytes body(plan_, fuel_ / 2);
+            body.addAlternatives(pc, node);
+            fuel_ /= 2;
+            if (!body.first_.canBeEmpty) {
+                first_.bytes.add(body.first_.bytes);
+                return noNode;
+            }
+        }
         if (node.other != noNode) walk(node.other);
         return node.next;
     }

@@ -9,8 +9,8 @@ namespace tav::regex {
 /// Adds the bytes that the node's item can begin with.
 void addItem(const Plan& plan, const Node& node, ByteSet& bytes);
 
-/// What can be consumed first, and whether matching can end without consuming anything. Never too little:
-/// where the ways from the place are too many to follow, everything.
+/// What can be consumed first where a byte is left, and whether matching can end without consuming anything.
+/// Never too little: where the ways from the place are too many to follow, everything.
 struct First {
     ByteSet bytes;
     bool canBeEmpty = false;

@@ -123,6 +123,7 @@ void build(Plan& plan, tavRegExpContext& context) {
     plan.hasBackReferences = hasOperation(plan.program, OP_BACKREF);
     plan.seesEnd = true;
     plan.capturesStay = false;
+    plan.isClassRun = false;
     plan.state = PlanState::direct;
     const auto length = static_cast<std::size_t>(context.codeLength);
     plan.copy = area.take<Instruction>(length);

@@ -79,6 +79,8 @@ struct Plan {
     Node* nodes;
     ClassTable* ascii;
     MalformedBits* malformed;
+    bool isClassRun; // the program is a run of one class: `classRun`
+    ByteRanges classRun;
     Prefix prefix;
 };
 

@@ -180,6 +180,9 @@ private:
 /// Scanning pays for bytes that are not too common; beyond this nearly every block has a hit.
 constexpr int32_t tooCommon = 2000;
 
+/// Bytes so rare that looking for others beside them does not pay.
+constexpr int32_t rareEnough = 60;
+
 void chooseAnchors(const PrefixWalk& walk, Prefix& prefix) {
     int32_t cost[2] = {tooCommon, tooCommon};
     prefix.anchors = 0;
@@ -198,6 +201,7 @@ void chooseAnchors(const PrefixWalk& walk, Prefix& prefix) {
         prefix.ranges[place] = ranges;
         if (prefix.anchors < 2) ++prefix.anchors;
     }
+    if (prefix.anchors == 2 && cost[0] <= rareEnough) prefix.anchors = 1;
 }
 
 } // namespace

@@ -1,30 +1,14 @@
 #include "regex/match/search.h"
 
 #include "base/arguments.h"
+#include "regex/match/class_runs.h"
 #include "regex/match/required.h"
+#include "regex/match/results.h"
 #include "regex/match/starts.h"
 
 namespace tav::regex {
 
 namespace {
-
-/// The caller's result array, filled from the front.
-class Results {
-public:
-    Results(tavRegExpFindResult* entries, int32_t capacity) : entries_(entries), capacity_(capacity) {}
-
-    bool isFull() const { return count_ == capacity_; }
-    int32_t count() const { return count_; }
-
-    void add(const uint8_t* start, int32_t length) {
-        if (!isFull()) entries_[count_++] = {start, length};
-    }
-
-private:
-    tavRegExpFindResult* entries_;
-    int32_t capacity_;
-    int32_t count_ = 0;
-};
 
 template <class Nodes>
 class Search {
@@ -95,7 +79,12 @@ tavStatus searchWith(const Plan& plan, const Subject& subject, const tavRegExpCo
     Results results(finds, *numFind);
     if (context.options & optionGlobal) {
         const int32_t firstSlot = globalEntries == GlobalEntries::groups && groups > 1 ? 1 : 0;
-        search.all(results, firstSlot);
+        constexpr int32_t levelsOfRun = 2;
+        if (plan.isClassRun && context.matchLimit >= levelsOfRun) {
+            storeClassRuns(plan, subject, results);
+        } else {
+            search.all(results, firstSlot);
+        }
         *numFind = results.count();
         return statusFor(results.count(), groups - firstSlot);
     }

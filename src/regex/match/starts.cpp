@@ -1,13 +1,14 @@
 #include "regex/match/starts.h"
 
 #include "regex/match/characters.h"
+#include "regex/match/range_test.h"
 #include "strings/find.h"
 #include "strings/scan.h"
 
 namespace tav::regex {
 
 const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) const {
-    if (plan_.mode != StartMode::every) return p;
+    if (plan_.mode != StartMode::every) return rulesOut(p, end) ? after(p, p, end) : p;
     switch (plan_.start) {
     case StartFilter::prefix:
         return nextPrefix(p, end);
@@ -23,9 +24,19 @@ const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) const {
 
 const uint8_t* Starts::after(const uint8_t* p, const uint8_t* known, const uint8_t* end) const {
     if (plan_.mode == StartMode::only || p >= end) return nullptr;
-    if (plan_.mode == StartMode::lines) return nextLine(p, end);
+    if (plan_.mode == StartMode::lines) {
+        do
+            p = nextLine(p, end);
+        while (p != nullptr && p != end && rulesOut(p, end));
+        return p != nullptr && rulesOut(p, end) ? nullptr : p;
+    }
     p = p < known ? known : advance(p);
     return p <= end ? from(p, end) : nullptr;
+}
+
+/// Does the prefix rule out a match at `p`?
+bool Starts::rulesOut(const uint8_t* p, const uint8_t* end) const {
+    return plan_.start == StartFilter::prefix && (end - p < plan_.prefix.length || !plan_.prefix.accepts(p));
 }
 
 const uint8_t* Starts::advance(const uint8_t* p) const {
@@ -64,46 +75,36 @@ const uint8_t* Starts::nextPrefix(const uint8_t* p, const uint8_t* end) const {
 
 namespace {
 
-/// All ones where a byte lies in one of the ranges.
-class RangeTest {
-public:
-    explicit RangeTest(const ByteRanges& ranges) : count_(ranges.count) {
-        for (int32_t i = 0; i < ByteRanges::maximum; ++i) {
-            const int32_t used = i < count_ ? i : 0;
-            range_[i] = VectorRange<uint8_t>(ranges.first[used], ranges.last[used]);
-        }
-    }
-
-    Vector<uint8_t> operator()(Vector<uint8_t> bytes) const {
-        Vector<uint8_t> in = range_[0].contains(bytes);
-        if (count_ > 1) in = in | range_[1].contains(bytes);
-        if (count_ > 2) in = in | range_[2].contains(bytes);
-        return in;
-    }
-
-private:
-    int32_t count_;
-    VectorRange<uint8_t> range_[ByteRanges::maximum] = {{0, 0}, {0, 0}, {0, 0}};
+/// Which of sixteen bytes are one value?
+struct ValueTest {
+    Vector<uint8_t> value;
+    explicit ValueTest(uint8_t byte) : value(Vector<uint8_t>::splat(byte)) {}
+    Vector<uint8_t> operator()(Vector<uint8_t> bytes) const { return bytes.equal(value); }
 };
+
+/// The first accepted one of `count` positions from `p` on, where the anchors' bytes stand.
+template <class Test, class Accept>
+int64_t scanForAnchors(const Prefix& prefix, const uint8_t* p, int64_t count, const Test& rarest,
+                       Accept accept) {
+    const uint8_t* const rarestText = p + prefix.offset[0];
+    const auto rough = [&](const auto& block) { return rarest(block.load(rarestText)); };
+    if (prefix.anchors == 1) return scanForward<Seek::hit, uint8_t>(count, rough, rough, accept);
+    const RangeTest second(prefix.ranges[1]);
+    const uint8_t* const secondText = p + prefix.offset[1];
+    const auto both = [&](const auto& block) { return rough(block) & second(block.load(secondText)); };
+    return scanForward<Seek::hit, uint8_t>(count, both, both, accept);
+}
 
 } // namespace
 
 const uint8_t* Starts::scanForPrefix(const uint8_t* p, const uint8_t* floor, const uint8_t* end) const {
     const Prefix& prefix = plan_.prefix;
-    const RangeTest rarest(prefix.ranges[0]);
-    const uint8_t* const rarestText = p + prefix.offset[0];
-    const auto accept = [&](int64_t at) { return prefix.accepts(p + at) && isStart(p + at, floor); };
-    const auto rough = [&](const auto& block) { return rarest(block.load(rarestText)); };
+    const ByteRanges& rarest = prefix.ranges[0];
     const int64_t count = end - p - prefix.length + 1;
-    int64_t found = -1;
-    if (prefix.anchors == 1) {
-        found = scanForward<Seek::hit, uint8_t>(count, rough, rough, accept);
-    } else {
-        const RangeTest second(prefix.ranges[1]);
-        const uint8_t* const secondText = p + prefix.offset[1];
-        const auto both = [&](const auto& block) { return rough(block) & second(block.load(secondText)); };
-        found = scanForward<Seek::hit, uint8_t>(count, both, both, accept);
-    }
+    const auto accept = [&](int64_t at) { return prefix.accepts(p + at) && isStart(p + at, floor); };
+    const int64_t found = rarest.isOneValue()
+                              ? scanForAnchors(prefix, p, count, ValueTest(rarest.first[0]), accept)
+                              : scanForAnchors(prefix, p, count, RangeTest(rarest), accept);
     return found < 0 ? nullptr : p + found;
 }
 

@@ -20,6 +20,7 @@ public:
     const uint8_t* after(const uint8_t* p, const uint8_t* known, const uint8_t* end) const;
 
 private:
+    bool rulesOut(const uint8_t* p, const uint8_t* end) const;
     const uint8_t* advance(const uint8_t* p) const;
     const uint8_t* nextLine(const uint8_t* p, const uint8_t* end) const;
     const uint8_t* nextPrefix(const uint8_t* p, const uint8_t* end) const;
