@@ -161,10 +161,18 @@ private:
         apart_ = apart_ || apart;
         walk(pc, offset);
         for (; marker != noNode; marker = plan_.nodes[marker].link) {
-            if (apart) bucket_ = (bucket_ + 1) % buckets;
+            if (apart) nextBucket(offset);
             walk(marker + 1, offset);
         }
         if (apart) bucket_ = 0;
+    }
+
+    /// What stands before the alternation stands before every alternative.
+    void nextBucket(int32_t offset) {
+        bucket_ = (bucket_ + 1) % buckets;
+        for (int32_t before = 0; before < offset; ++before)
+            sets_[before][bucket_].add(sets_[before][0]);
+        if (offset > 0) used_ |= 1u << bucket_;
     }
 
     const Plan& plan_;
