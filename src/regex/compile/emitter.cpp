@@ -165,16 +165,21 @@ void Emitter::condition(int32_t group) {
 bool Emitter::close(bool quantifierFollows) {
     const Frame frame = frames_[--depth_];
     options_ = frame.options;
-    Instruction& opener = program_[frame.opener];
-    const bool plain = opener.op == OP_GROUP || opener.op == OP_CAPTURE;
-    const BodyMeasure body = plain ? measureBody(frame.opener + 1) : BodyMeasure{false, 0, 0};
-    if (opener.op == OP_GROUP && body.simple) {
-        const bool single = body.instructions == 1 && body.length == 1;
-        if (single || (body.length > 1 && !quantifierFollows)) {
-            dissolve(frame.opener, body);
-            return true;
-        }
+    const uint32_t op = program_[frame.opener].op;
+    const bool measured = op == OP_GROUP || op == OP_CAPTURE;
+    const BodyMeasure body = measured ? measureBody(frame.opener + 1) : notSimple;
+    if (op == OP_GROUP && dissolves(body, quantifierFollows)) {
+        dissolve(frame.opener, body);
+        return true;
     }
+    endBracket(frame, body);
+    if (isLookaround(op)) noteConditionOf(frame.opener);
+    if (isLookbehind(op)) return closeLookbehind(frame.opener);
+    return op != OP_COND || acceptsConditional(frame);
+}
+
+void Emitter::endBracket(const Frame& frame, const BodyMeasure& body) {
+    Instruction& opener = program_[frame.opener];
     const int32_t id = isIsolated(opener.op) ? -opener.b : opener.b;
     const bool repeatsOneItem = body.simple && body.length == 1 && isQuantifier(last().op);
     opener.a = id;
@@ -182,15 +187,12 @@ bool Emitter::close(bool quantifierFollows) {
     append({OP_GROUP_END, id, static_cast<int32_t>(frame.options), repeatsOneItem ? 1 : 0, nullptr});
     nameAlternations(frame, id);
     lastClosed_ = frame.opener;
-    if (isLookaround(opener.op)) noteConditionOf(frame.opener);
-    if (isLookbehind(opener.op)) return closeLookbehind(frame.opener);
-    return opener.op != OP_COND || acceptsConditional(frame);
 }
 
 /// The length of a body made of single items, literals, classes and greedy repeats; any other is not simple.
 /// Slots left by dissolved groups answer for their bodies, so no instruction is visited twice.
 Emitter::BodyMeasure Emitter::measureBody(int32_t from) const {
-    BodyMeasure body;
+    BodyMeasure body = {true, 0, 0};
     for (int32_t i = from; i < count_; ++i, ++body.instructions) {
         const Instruction& instruction = program_[i];
         switch (instruction.op) {
@@ -219,10 +221,16 @@ Emitter::BodyMeasure Emitter::measureBody(int32_t from) const {
             i += instruction.b;
             break;
         default:
-            return {false, 0, 0};
+            return notSimple;
         }
     }
     return body;
+}
+
+bool Emitter::dissolves(const BodyMeasure& body, bool quantifierFollows) {
+    if (!body.simple) return false;
+    const bool single = body.length == 1 && body.instructions == 1;
+    return single || (body.length > 1 && !quantifierFollows);
 }
 
 void Emitter::dissolve(int32_t opener, const BodyMeasure& body) {

@@ -76,10 +76,11 @@ private:
     };
 
     struct BodyMeasure {
-        bool simple = true;
-        int32_t length = 0;
-        int32_t instructions = 0;
+        bool simple;
+        int32_t length;
+        int32_t instructions;
     };
+    static constexpr BodyMeasure notSimple = {false, 0, 0};
 
     Instruction& append(const Instruction& instruction);
     Instruction& last() { return program_[count_ - 1]; }
@@ -90,7 +91,9 @@ private:
     void refuseQuantifiedCondition();
 
     BodyMeasure measureBody(int32_t from) const;
+    static bool dissolves(const BodyMeasure& body, bool quantifierFollows);
     void dissolve(int32_t opener, const BodyMeasure& body);
+    void endBracket(const Frame& frame, const BodyMeasure& body);
     void nameAlternations(const Frame& frame, int32_t id);
     bool closeLookbehind(int32_t opener);
     bool acceptsConditional(const Frame& frame) const;

@@ -6,6 +6,7 @@
 namespace {
 
 using tavtest::Pattern;
+using tavtest::repeated;
 
 struct Case {
     std::string pattern;
@@ -26,13 +27,6 @@ void expectCompiles(std::initializer_list<std::string> patterns, const char* opt
         Pattern pattern(p, options);
         EXPECT_EQ(pattern.status(), tavStsNoError) << p.substr(0, 60) << " at " << pattern.errOffset();
     }
-}
-
-std::string times(int count, const std::string& text) {
-    std::string all;
-    for (int i = 0; i < count; ++i)
-        all += text;
-    return all;
 }
 
 // Options
@@ -201,29 +195,30 @@ TEST(Errors, UnknownGroupForms) {
 }
 
 TEST(Errors, TooManyGroups) {
-    expectErrors(tavStsPatternSyntax, {
-                                          {times(1000, "(a)"), 999 * 3},
-                                          {times(1001, "(a)"), 1000 * 3}, // counted before anything is parsed
-                                          {times(1000, "(?=a)"), 999 * 5},
-                                          {times(1500, "(?i:a)"), 999 * 6},
-                                          {times(999, "(a)") + "(?:ab)", 999 * 3},
-                                          {times(998, "(a)") + "((a))", 998 * 3 + 1},
-                                      });
-    expectCompiles({times(999, "(a)"), times(999, "(?=a)"), times(5000, "(?#a)"), times(5000, "(?i)"),
-                    times(998, "(a)") + "(?(1)b)"});
+    expectErrors(tavStsPatternSyntax,
+                 {
+                     {repeated(1000, "(a)"), 999 * 3},
+                     {repeated(1001, "(a)"), 1000 * 3}, // counted before anything is parsed
+                     {repeated(1000, "(?=a)"), 999 * 5},
+                     {repeated(1500, "(?i:a)"), 999 * 6},
+                     {repeated(999, "(a)") + "(?:ab)", 999 * 3},
+                     {repeated(998, "(a)") + "((a))", 998 * 3 + 1},
+                 });
+    expectCompiles({repeated(999, "(a)"), repeated(999, "(?=a)"), repeated(5000, "(?#a)"),
+                    repeated(5000, "(?i)"), repeated(998, "(a)") + "(?(1)b)"});
 }
 
 TEST(Errors, TooDeepGroups) {
     expectErrors(tavStsPatternSyntax, {
-                                          {times(1000, "(") + times(1000, ")"), 999},
-                                          {times(1000, "(?:") + times(1000, ")"), 999 * 3},
-                                          {times(999, "(?:") + "(?#c)", 999 * 3},
-                                          {times(999, "(?:") + "(?i)", 999 * 3},
-                                          {times(998, "(?:") + "(?(1)a)", 998 * 3 + 2},
+                                          {repeated(1000, "(") + repeated(1000, ")"), 999},
+                                          {repeated(1000, "(?:") + repeated(1000, ")"), 999 * 3},
+                                          {repeated(999, "(?:") + "(?#c)", 999 * 3},
+                                          {repeated(999, "(?:") + "(?i)", 999 * 3},
+                                          {repeated(998, "(?:") + "(?(1)a)", 998 * 3 + 2},
                                       });
-    expectCompiles({times(999, "(") + times(999, ")"), times(999, "(?:") + "a" + times(999, ")"),
-                    times(998, "(?:") + "(?#c)" + times(998, ")"),
-                    times(997, "(?:") + "(?(1)a)" + times(997, ")")});
+    expectCompiles({repeated(999, "(") + repeated(999, ")"), repeated(999, "(?:") + "a" + repeated(999, ")"),
+                    repeated(998, "(?:") + "(?#c)" + repeated(998, ")"),
+                    repeated(997, "(?:") + "(?(1)a)" + repeated(997, ")")});
 }
 
 TEST(Errors, BadConditions) {

@@ -7,13 +7,7 @@
 namespace {
 
 using tavtest::Pattern;
-
-std::string times(int count, const std::string& text) {
-    std::string all;
-    for (int i = 0; i < count; ++i)
-        all += text;
-    return all;
-}
+using tavtest::repeated;
 
 TEST(Header, OfTheEmptyPattern) {
     Pattern pattern("");
@@ -80,7 +74,7 @@ TEST(Header, CountsTheCapturingGroupsPlusOne) {
 }
 
 TEST(Header, CountsUpTo999Groups) {
-    EXPECT_EQ(Pattern(times(999, "(a)")).context().groupCount, 1000);
+    EXPECT_EQ(Pattern(repeated(999, "(a)")).context().groupCount, 1000);
 }
 
 // The required final literal

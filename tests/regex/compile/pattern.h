@@ -45,6 +45,14 @@ private:
     std::unique_ptr<GuardedBuffer<E>> buffer_;
 };
 
+inline std::string repeated(std::size_t count, const std::string& text) {
+    std::string all;
+    all.reserve(count * text.size());
+    for (std::size_t i = 0; i < count; ++i)
+        all += text;
+    return all;
+}
+
 class Pattern {
 public:
     explicit Pattern(const std::string& pattern, const char* options = nullptr)

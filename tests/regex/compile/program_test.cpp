@@ -1,28 +1,11 @@
 // Small patterns with the programs that they compile to, construct by construct.
-#include "regex/compile/dump.h"
-#include "regex/compile/pattern.h"
+#include "regex/compile/expect_programs.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using tavtest::dumpProgram;
-using tavtest::Pattern;
-
-struct Case {
-    std::string pattern;
-    const char* program;
-    const char* options = "";
-};
-
-void expectPrograms(std::initializer_list<Case> cases) {
-    for (const Case& c : cases) {
-        Pattern pattern(c.pattern, c.options);
-        ASSERT_EQ(pattern.status(), tavStsNoError) << c.pattern << " at " << pattern.errOffset();
-        EXPECT_EQ(dumpProgram(pattern.context()), c.program) << c.pattern;
-        EXPECT_EQ(pattern.errOffset(), Pattern::noOffset) << c.pattern;
-    }
-}
+using tavtest::expectPrograms;
 
 TEST(Program, OfLiteralRuns) {
     expectPrograms({

@@ -1,28 +1,13 @@
 // The corners of the pattern language: what happens where two rules meet, and the deliberate oddities that
 // existing patterns rely on.
-#include "regex/compile/dump.h"
-#include "regex/compile/pattern.h"
+#include "regex/compile/expect_programs.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using tavtest::dumpProgram;
+using tavtest::expectPrograms;
 using tavtest::Pattern;
-
-struct Case {
-    std::string pattern;
-    const char* program;
-    const char* options = "";
-};
-
-void expectPrograms(std::initializer_list<Case> cases) {
-    for (const Case& c : cases) {
-        Pattern pattern(c.pattern, c.options);
-        ASSERT_EQ(pattern.status(), tavStsNoError) << c.pattern << " at " << pattern.errOffset();
-        EXPECT_EQ(dumpProgram(pattern.context()), c.program) << c.pattern;
-    }
-}
 
 // Alternatives, groups and conditions
 

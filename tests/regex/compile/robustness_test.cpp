@@ -17,14 +17,7 @@ namespace {
 
 using namespace tav::regex;
 using tavtest::Pattern;
-
-std::string times(std::size_t count, const std::string& text) {
-    std::string all;
-    all.reserve(count * text.size());
-    for (std::size_t i = 0; i < count; ++i)
-        all += text;
-    return all;
-}
+using tavtest::repeated;
 
 /// Walks an accepted program and asserts everything that the matcher takes for granted.
 class WellFormed {
@@ -43,11 +36,8 @@ public:
         if (context_.matchLimit != 10000 || context_.format != 1) return bad("defaults", 0);
         pool_ = reinterpret_cast<const uint8_t*>(program_ + context_.codeLength);
         if (!sequence(0, context_.codeLength, 0)) return bad(what_, at_);
-        const int32_t last = context_.lastLiteral;
-        if (last < -2 || last >= context_.codeLength) return bad("lastLiteral", last);
-        if (last >= 0 && program_[last].op != OP_CHAR && program_[last].op != OP_STRING)
-            return bad("lastLiteral", last);
-        if (context_.searchHint < 0 || context_.searchHint > 2) return bad("searchHint", context_.searchHint);
+        if (!literalsInOrder()) return bad("literal pool", at_);
+        if (!summaries()) return bad(what_, context_.lastLiteral);
         return testing::AssertionSuccess();
     }
 
@@ -173,10 +163,44 @@ private:
         }
     }
 
-    /// Literals lie in the pool one behind the other, in program order; nested bodies are visited later.
     bool inPool(const Instruction& string) const {
         const auto* const text = static_cast<const uint8_t*>(string.text);
         return text >= pool_ && text + string.b <= end_;
+    }
+
+    /// The literals lie one behind the other, in program order, directly behind the program.
+    bool literalsInOrder() {
+        const uint8_t* expected = pool_;
+        for (int32_t i = 0; i < context_.codeLength; ++i) {
+            if (program_[i].op != OP_STRING) continue;
+            if (program_[i].text != expected) return fail("literal pool", i);
+            expected += program_[i].b;
+        }
+        return true;
+    }
+
+    bool isLiteral(int32_t i) const { return program_[i].op == OP_CHAR || program_[i].op == OP_STRING; }
+
+    /// The required final literal and the search hint, read off the program once more.
+    bool summaries() {
+        const int32_t length = context_.codeLength;
+        const int32_t last = context_.lastLiteral;
+        if (last < -2 || last >= length) return fail("lastLiteral", 0);
+        if (last >= 0 && !isLiteral(last)) return fail("lastLiteral", 0);
+        for (int32_t i = std::max(last, 0) + 1; last >= 0 && i < length; ++i) {
+            if (!isQuantifier(program_[i].op)) return fail("lastLiteral", 0);
+        }
+        int32_t alternations = 0;
+        bool alternating = length % 2 == 1;
+        for (int32_t i = 0; i < length; ++i) {
+            const bool alternation = program_[i].op == OP_ALT_END;
+            alternations += alternation;
+            alternating = alternating && (i % 2 == 1 ? alternation : isLiteral(i));
+        }
+        const bool optional = length > 1 && program_[1].op == OP_GREEDY && program_[1].a <= 0;
+        const bool starts = length > 0 && isLiteral(0) && alternations == 0 && last != -2 && !optional;
+        const int32_t hint = starts ? 1 : alternating && length >= 3 ? 2 : 0;
+        return context_.searchHint == hint || fail("searchHint", 0);
     }
 
     static bool inTables(const Instruction& list) {
@@ -333,15 +357,16 @@ TEST(Robustness, DeepAndNumerousGroups) {
     for (const char* opener : {"(", "(?:", "(?=", "(?<=", "(?<!", "(?>", "(?i:"}) {
         for (const std::size_t depth : {998u, 999u, 1000u, 1001u, 5000u}) {
             const bool fits = depth <= 999;
-            EXPECT_EQ(survives(times(depth, opener) + "a" + times(depth, ")")), fits) << opener << depth;
-            EXPECT_EQ(survives(times(depth, std::string(opener) + "|)")), fits) << opener << depth;
+            EXPECT_EQ(survives(repeated(depth, opener) + "a" + repeated(depth, ")")), fits)
+                << opener << depth;
+            EXPECT_EQ(survives(repeated(depth, std::string(opener) + "|)")), fits) << opener << depth;
         }
     }
-    EXPECT_TRUE(survives(times(499, "(?(?=a)") + "b" + times(499, ")")));
-    EXPECT_TRUE(survives(times(998, "(?(1)") + "b" + times(998, ")")));
-    EXPECT_TRUE(survives("(?<=" + times(998, "(") + "a" + times(998, ")") + ")"));
-    EXPECT_TRUE(survives("(?<=" + times(998, "(a|") + "b" + times(998, ")") + ")"));
-    EXPECT_FALSE(survives("(?<=" + times(998, "(a|") + "bc" + times(998, ")") + ")"));
+    EXPECT_TRUE(survives(repeated(499, "(?(?=a)") + "b" + repeated(499, ")")));
+    EXPECT_TRUE(survives(repeated(998, "(?(1)") + "b" + repeated(998, ")")));
+    EXPECT_TRUE(survives("(?<=" + repeated(998, "(") + "a" + repeated(998, ")") + ")"));
+    EXPECT_TRUE(survives("(?<=" + repeated(998, "(a|") + "b" + repeated(998, ")") + ")"));
+    EXPECT_FALSE(survives("(?<=" + repeated(998, "(a|") + "bc" + repeated(998, ")") + ")"));
 }
 
 // Machine stack: measured where a thread's stack can be handed in and sanitizers do not widen the frames.
@@ -382,11 +407,11 @@ std::size_t stackUseOf(const std::string& text) {
 
 TEST(Robustness, TheCompilerUsesLessThan64KiBOfStack) {
     const std::size_t thread = stackUseOf("");
-    for (const std::string& text :
-         {std::string("a"), times(999, "(") + "a" + times(999, ")"),
-          times(999, "(?<=") + "a" + times(999, ")"), "(?<=" + times(998, "(") + "a" + times(998, ")") + ")",
-          "(?<=" + times(998, "(?:a(?i)") + times(998, ")") + ")", "[" + times(10000, "[:alpha:]") + "]",
-          times(5000, "(?:ab)")}) {
+    for (const std::string& text : {std::string("a"), repeated(999, "(") + "a" + repeated(999, ")"),
+                                    repeated(999, "(?<=") + "a" + repeated(999, ")"),
+                                    "(?<=" + repeated(998, "(") + "a" + repeated(998, ")") + ")",
+                                    "(?<=" + repeated(998, "(?:a(?i)") + repeated(998, ")") + ")",
+                                    "[" + repeated(10000, "[:alpha:]") + "]", repeated(5000, "(?:ab)")}) {
         const std::size_t use = stackUseOf(text);
         EXPECT_LT(use, 64u * 1024) << text.substr(0, 20) << " (an empty pattern takes " << thread << ")";
     }
@@ -412,38 +437,38 @@ double secondsFor(const std::string& text, bool accepted = true) {
 TEST(Robustness, CompileTimeGrowsWithThePatternsLengthOnly) {
     constexpr std::size_t n = 200000;
     constexpr double bound = 2.0;
-    EXPECT_LT(secondsFor(times(n, "a")), bound);
-    EXPECT_LT(secondsFor(times(n, "a|")), bound);
-    EXPECT_LT(secondsFor(times(n, ".")), bound);
-    EXPECT_LT(secondsFor(times(n, "(?:ab)")), bound);
-    EXPECT_LT(secondsFor(times(n, "a.(?:b)")), bound);
-    EXPECT_LT(secondsFor("(" + times(n, "a|") + ")"), bound);
-    EXPECT_LT(secondsFor("(" + times(n, "a.(?:bc)") + ")"), bound);
-    EXPECT_LT(secondsFor(times(998, "(?:") + times(n, "a.") + times(998, ")")), bound);
-    EXPECT_LT(secondsFor(times(499, "(?:a") + times(n, "a.") + times(499, "b)")), bound);
-    EXPECT_LT(secondsFor(times(900, "(a") + times(n, "b.") + times(900, "c)")), bound);
-    EXPECT_LT(secondsFor(times(900, "(?<=") + times(n, "b.") + times(900, ")")), bound);
-    EXPECT_LT(secondsFor(times(900, "(?<=a(?:b") + times(n, "b.") + times(900, "))"), false), bound);
-    EXPECT_LT(secondsFor(times(450, "(?<=a(?:b") + times(n, "b.") + times(450, "))")), bound);
-    EXPECT_LT(secondsFor(times(900, "(?=") + times(n, "b.") + times(900, ")+")), bound);
-    EXPECT_LT(secondsFor(times(900, "(|") + times(n, "b.") + times(900, "|)")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "a")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "a|")), bound);
+    EXPECT_LT(secondsFor(repeated(n, ".")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "(?:ab)")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "a.(?:b)")), bound);
+    EXPECT_LT(secondsFor("(" + repeated(n, "a|") + ")"), bound);
+    EXPECT_LT(secondsFor("(" + repeated(n, "a.(?:bc)") + ")"), bound);
+    EXPECT_LT(secondsFor(repeated(998, "(?:") + repeated(n, "a.") + repeated(998, ")")), bound);
+    EXPECT_LT(secondsFor(repeated(499, "(?:a") + repeated(n, "a.") + repeated(499, "b)")), bound);
+    EXPECT_LT(secondsFor(repeated(900, "(a") + repeated(n, "b.") + repeated(900, "c)")), bound);
+    EXPECT_LT(secondsFor(repeated(900, "(?<=") + repeated(n, "b.") + repeated(900, ")")), bound);
+    EXPECT_LT(secondsFor(repeated(900, "(?<=a(?:b") + repeated(n, "b.") + repeated(900, "))"), false), bound);
+    EXPECT_LT(secondsFor(repeated(450, "(?<=a(?:b") + repeated(n, "b.") + repeated(450, "))")), bound);
+    EXPECT_LT(secondsFor(repeated(900, "(?=") + repeated(n, "b.") + repeated(900, ")+")), bound);
+    EXPECT_LT(secondsFor(repeated(900, "(|") + repeated(n, "b.") + repeated(900, "|)")), bound);
 }
 
 TEST(Robustness, UnclosedPiecesAreSearchedForOnce) {
     constexpr std::size_t n = 200000;
     constexpr double bound = 2.0;
-    EXPECT_LT(secondsFor("[" + times(n, "[:x") + "]"), bound);
-    EXPECT_LT(secondsFor(times(n, "[[:a]")), bound);
-    EXPECT_LT(secondsFor(times(n, "[[.a]")), bound);
-    EXPECT_LT(secondsFor(times(n, "{1")), bound);
-    EXPECT_LT(secondsFor(times(n, "{")), bound);
-    EXPECT_LT(secondsFor("a{" + times(n, "1")), bound);
-    EXPECT_LT(secondsFor(times(n, "{1,2")), bound);
-    EXPECT_LT(secondsFor("\\Q" + times(n, "\\Q")), bound);
-    EXPECT_LT(secondsFor(times(n, "\\Q\\E")), bound);
-    EXPECT_LT(secondsFor(times(n, "(?#a)")), bound);
-    EXPECT_LT(secondsFor(times(n, "(?:a)(?#)")), bound);
-    EXPECT_LT(secondsFor(times(n, "\\E")), bound);
+    EXPECT_LT(secondsFor("[" + repeated(n, "[:x") + "]"), bound);
+    EXPECT_LT(secondsFor(repeated(n, "[[:a]")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "[[.a]")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "{1")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "{")), bound);
+    EXPECT_LT(secondsFor("a{" + repeated(n, "1")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "{1,2")), bound);
+    EXPECT_LT(secondsFor("\\Q" + repeated(n, "\\Q")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "\\Q\\E")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "(?#a)")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "(?:a)(?#)")), bound);
+    EXPECT_LT(secondsFor(repeated(n, "\\E")), bound);
 }
 
 } // namespace
