@@ -97,7 +97,7 @@ void mapAll(const uint16_t* src, uint16_t* dst, int32_t len) {
         if (mapBlock<Case>(Units::load(src + i), mapped)) {
             mapped.store(dst + i);
             i += Units::size;
-            patience.afterSuccess();
+            patience.afterSuccess(8);
             continue;
         }
         for (int left = patience.afterFailure(); left > 0 && i < len; --left, ++i)

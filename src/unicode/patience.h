@@ -1,21 +1,27 @@
-// When to try vectors again after text on which they failed.
+// When to try vectors again after text on which they did not pay.
 #pragma once
+
+#include <cstddef>
 
 namespace tav::unicode {
 
-/// How many elements to convert one by one before vectors are tried again: twice as many after each failure,
-/// so that text on which they never pay costs little more than the plain loop alone.
+/// Counts the elements to take one by one before the next attempt: twice as many after each failure, and
+/// fewer after a success, the more the longer it was. Text that never suits the vectors costs little more
+/// than the plain loop alone, and text in which they fail now and then is not punished for it.
 class Patience {
 public:
     int afterFailure() {
-        const int burst = burst_;
-        if (burst_ < 256) burst_ *= 2;
-        return burst;
+        if (burst_ < longest) burst_ *= 2;
+        return burst_;
     }
-    void afterSuccess() { burst_ = 16; }
+    void afterSuccess(std::ptrdiff_t elements) {
+        burst_ = elements >= 64 ? shortest : burst_ / 2 > shortest ? burst_ / 2 : shortest;
+    }
 
 private:
-    int burst_ = 16;
+    static constexpr int shortest = 4;
+    static constexpr int longest = 1024;
+    int burst_ = shortest;
 };
 
 } // namespace tav::unicode
