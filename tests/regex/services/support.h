@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -20,6 +21,12 @@ inline const uint8_t* bytesOf(std::string_view text) {
 
 inline int32_t lengthOf(std::string_view text) {
     return static_cast<int32_t>(text.size());
+}
+
+/// The same requests at every run, or those of TAVCH_TEST_SEED.
+inline uint32_t testSeed() {
+    const char* const chosen = std::getenv("TAVCH_TEST_SEED");
+    return chosen == nullptr ? 20261120 : static_cast<uint32_t>(std::strtoul(chosen, nullptr, 10));
 }
 
 class CompiledPattern {
