@@ -5,6 +5,8 @@
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include <pcre2.h>
 
+#include <algorithm>
+
 namespace tav::bench {
 
 namespace {
@@ -47,6 +49,24 @@ public:
 
     Tally captures(const Subjects& subjects) override { return firstMatches(subjects, *data_); }
     Tally first(const Subjects& subjects) override { return firstMatches(subjects, *spanOnly_); }
+    bool matches(std::string_view subject) { return match(subject, 0, *spanOnly_) >= 0; }
+
+    Tally replace(const Subjects& subjects) override {
+        static const auto* const replacement = reinterpret_cast<PCRE2_SPTR>("<$0>");
+        Tally tally;
+        for (std::string_view subject : subjects) {
+            replaced_.resize(std::max(replaced_.size(), 4 * subject.size() + 16));
+            PCRE2_SIZE length = replaced_.size();
+            const int count =
+                pcre2_substitute(code_.get(), reinterpret_cast<PCRE2_SPTR>(subject.data()), subject.size(), 0,
+                                 PCRE2_SUBSTITUTE_GLOBAL | PCRE2_NO_UTF_CHECK, data_.get(), context_.get(),
+                                 replacement, 4, replaced_.data(), &length);
+            if (count < 0) continue;
+            tally.matches += static_cast<std::uint64_t>(count);
+            tally.bytes += length;
+        }
+        return tally;
+    }
 
 private:
     /// The subjects are known to be valid UTF-8, so none of the engines spends time on checking that.
@@ -78,10 +98,11 @@ private:
     Owned<pcre2_match_data> spanOnly_;
     Owned<pcre2_match_context> context_;
     Owned<pcre2_jit_stack> stack_;
+    std::vector<PCRE2_UCHAR> replaced_;
     bool jit_;
 };
 
-std::unique_ptr<Engine> make(const PatternText& pattern, bool jit) {
+std::unique_ptr<Pcre2> make(const PatternText& pattern, bool jit) {
     std::uint32_t options = pattern.utf8 ? PCRE2_UTF : 0;
     for (const char letter : pattern.options)
         options |= letter == 'i' ? PCRE2_CASELESS : letter == 'm' ? PCRE2_MULTILINE : PCRE2_DOTALL;
@@ -94,6 +115,33 @@ std::unique_ptr<Engine> make(const PatternText& pattern, bool jit) {
     return std::make_unique<Pcre2>(std::move(code), jit);
 }
 
+/// The library has no sets: the patterns are tried one after the other.
+class Pcre2Loop final : public SetEngine {
+public:
+    bool add(std::unique_ptr<Pcre2> pattern) {
+        patterns_.push_back(std::move(pattern));
+        return patterns_.back() != nullptr;
+    }
+
+    Tally matching(const Subjects& subjects) override {
+        Tally tally;
+        for (std::string_view subject : subjects)
+            for (const auto& pattern : patterns_)
+                tally.matches += pattern->matches(subject);
+        return tally;
+    }
+
+private:
+    std::vector<std::unique_ptr<Pcre2>> patterns_;
+};
+
+std::unique_ptr<SetEngine> makeLoop(const std::vector<PatternText>& patterns, bool jit) {
+    auto loop = std::make_unique<Pcre2Loop>();
+    for (const PatternText& pattern : patterns)
+        if (!loop->add(make(pattern, jit))) return nullptr;
+    return loop;
+}
+
 } // namespace
 
 std::unique_ptr<Engine> makePcre2Interpreter(const PatternText& pattern) {
@@ -102,6 +150,14 @@ std::unique_ptr<Engine> makePcre2Interpreter(const PatternText& pattern) {
 
 std::unique_ptr<Engine> makePcre2Jit(const PatternText& pattern) {
     return make(pattern, true);
+}
+
+std::unique_ptr<SetEngine> makePcre2InterpreterLoop(const std::vector<PatternText>& patterns) {
+    return makeLoop(patterns, false);
+}
+
+std::unique_ptr<SetEngine> makePcre2JitLoop(const std::vector<PatternText>& patterns) {
+    return makeLoop(patterns, true);
 }
 
 } // namespace tav::bench

@@ -2,6 +2,7 @@
 #include "bench/engine.h"
 
 #include <re2/re2.h>
+#include <re2/set.h>
 
 namespace tav::bench {
 
@@ -35,6 +36,16 @@ public:
 
     Tally first(const Subjects& subjects) override { return firstMatches(subjects, 1); }
 
+    Tally replace(const Subjects& subjects) override {
+        Tally tally;
+        for (std::string_view subject : subjects) {
+            replaced_.assign(subject);
+            tally.matches += static_cast<std::uint64_t>(RE2::GlobalReplace(&replaced_, re_, "<\\0>"));
+            tally.bytes += replaced_.size();
+        }
+        return tally;
+    }
+
 private:
     bool match(std::string_view subject, std::size_t from, re2::StringPiece* spans, int count) const {
         return re_.Match({subject.data(), subject.size()}, from, subject.size(), RE2::UNANCHORED, spans,
@@ -54,16 +65,56 @@ private:
 
     RE2 re_;
     std::vector<re2::StringPiece> groups_;
+    std::string replaced_;
+};
+
+RE2::Options optionsFor(const PatternText& pattern) {
+    RE2::Options options;
+    options.set_log_errors(false);
+    options.set_encoding(pattern.utf8 ? RE2::Options::EncodingUTF8 : RE2::Options::EncodingLatin1);
+    return options;
+}
+
+std::string textFor(const PatternText& pattern) {
+    return pattern.options.empty() ? pattern.text : "(?" + pattern.options + ")" + pattern.text;
+}
+
+/// Tells which patterns match, not where.
+class Re2Set final : public SetEngine {
+public:
+    explicit Re2Set(const RE2::Options& options) : set_(options, RE2::UNANCHORED) {}
+
+    bool add(const std::vector<PatternText>& patterns) {
+        for (const PatternText& pattern : patterns)
+            if (set_.Add(textFor(pattern), nullptr) < 0) return false;
+        return set_.Compile();
+    }
+
+    Tally matching(const Subjects& subjects) override {
+        Tally tally;
+        for (std::string_view subject : subjects) {
+            set_.Match({subject.data(), subject.size()}, &which_);
+            tally.matches += which_.size();
+            which_.clear();
+        }
+        return tally;
+    }
+
+private:
+    RE2::Set set_;
+    std::vector<int> which_;
 };
 
 } // namespace
 
+std::unique_ptr<SetEngine> makeRe2Set(const std::vector<PatternText>& patterns) {
+    auto set = std::make_unique<Re2Set>(optionsFor(patterns.front()));
+    if (!set->add(patterns)) return nullptr;
+    return set;
+}
+
 std::unique_ptr<Engine> makeRe2(const PatternText& pattern) {
-    RE2::Options options;
-    options.set_log_errors(false);
-    options.set_encoding(pattern.utf8 ? RE2::Options::EncodingUTF8 : RE2::Options::EncodingLatin1);
-    const std::string prefix = pattern.options.empty() ? "" : "(?" + pattern.options + ")";
-    auto engine = std::make_unique<Re2>(prefix + pattern.text, options);
+    auto engine = std::make_unique<Re2>(textFor(pattern), optionsFor(pattern));
     if (!engine->ok()) return nullptr;
     return engine;
 }

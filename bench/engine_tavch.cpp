@@ -2,6 +2,7 @@
 #include "bench/engine.h"
 #include "tavch.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace tav::bench {
@@ -19,6 +20,14 @@ tavRegExpContext* compile(const PatternText& pattern, const std::string& options
         tavsRegExpSetFormat(pattern.utf8, context);
     return context;
 }
+
+/// The template "<$&>".
+struct Bracketed {
+    tavRegExpReplaceContext context{};
+    tavRegExpReplaceItem items[4]{};
+
+    Bracketed() { tavsRegExpReplaceInit("<$&>", &context); }
+};
 
 class Tavch final : public Engine {
 public:
@@ -56,8 +65,38 @@ public:
 
     Tally captures(const Subjects& subjects) override { return firstMatches(subjects, groups_); }
 
+    /// The result array and the destination grow until every match and the whole result fit.
+    Tally replace(const Subjects& subjects) override {
+        if (global_ == nullptr) global_ = compile(pattern_, pattern_.options + "g");
+        if (matches_.empty()) matches_.resize(matchSlots);
+        Tally tally;
+        for (std::string_view subject : subjects) {
+            destination_.resize(std::max(destination_.size(), subject.size() + 16));
+            for (;;) {
+                auto length = static_cast<std::int32_t>(subject.size());
+                auto written = static_cast<std::int32_t>(destination_.size());
+                auto entries = static_cast<std::int32_t>(matches_.size());
+                if (length == 0) break;
+                tavsRegExpReplace_8u(reinterpret_cast<const std::uint8_t*>(subject.data()), &length,
+                                     destination_.data(), &written, matches_.data(), &entries, global_,
+                                     &bracketed_.context);
+                const bool allFound = static_cast<std::size_t>(entries) < matches_.size();
+                if (allFound && static_cast<std::size_t>(length) == subject.size()) {
+                    tally.matches += static_cast<std::uint64_t>(entries / global_->groupCount);
+                    tally.bytes += static_cast<std::uint64_t>(written);
+                    break;
+                }
+                if (!allFound)
+                    matches_.resize(2 * matches_.size());
+                else
+                    destination_.resize(2 * destination_.size());
+            }
+        }
+        return tally;
+    }
+
     Tally first(const Subjects& subjects) override {
-        if (groups_.size() > 1) groups_.resize(1);
+        groups_.erase(groups_.begin() + 1, groups_.end());
         return firstMatches(subjects, groups_);
     }
 
@@ -93,6 +132,46 @@ private:
     tavRegExpContext* global_ = nullptr; ///< made when first needed
     Results groups_;
     Results matches_;
+    std::vector<std::uint8_t> destination_;
+    Bracketed bracketed_;
+};
+
+class TavchSet final : public SetEngine {
+public:
+    explicit TavchSet(std::size_t patterns) : matches_(patterns), results_(patterns) {
+        tavsRegExpMultiInitAlloc(&set_, static_cast<std::uint32_t>(patterns));
+    }
+    ~TavchSet() override {
+        for (std::int32_t i = 0; i < set_->capacity; i++)
+            tavsRegExpFree(set_->patterns[i]);
+        tavsRegExpMultiFree(set_);
+    }
+    TavchSet(const TavchSet&) = delete;
+    TavchSet& operator=(const TavchSet&) = delete;
+
+    bool add(tavRegExpContext* pattern) {
+        return pattern != nullptr && tavsRegExpMultiAdd(pattern, ++id_, set_) == tavStsNoError;
+    }
+
+    Tally matching(const Subjects& subjects) override {
+        Tally tally;
+        for (std::string_view subject : subjects) {
+            if (subject.empty()) continue;
+            for (std::size_t i = 0; i < results_.size(); i++)
+                results_[i] = {0, 0, 1, 0, &matches_[i]};
+            tavsRegExpMultiFind_8u(reinterpret_cast<const std::uint8_t*>(subject.data()),
+                                   static_cast<std::int32_t>(subject.size()), results_.data(), set_);
+            for (const auto& result : results_)
+                tally.matches += result.numFind > 0;
+        }
+        return tally;
+    }
+
+private:
+    tavRegExpMultiContext* set_ = nullptr;
+    std::uint32_t id_ = 0;
+    std::vector<tavRegExpFindResult> matches_;
+    std::vector<tavRegExpMultiFindResult> results_;
 };
 
 } // namespace
@@ -101,6 +180,13 @@ std::unique_ptr<Engine> makeTavch(const PatternText& pattern) {
     tavRegExpContext* once = compile(pattern, pattern.options);
     if (once == nullptr) return nullptr;
     return std::make_unique<Tavch>(pattern, once);
+}
+
+std::unique_ptr<SetEngine> makeTavchSet(const std::vector<PatternText>& patterns) {
+    auto set = std::make_unique<TavchSet>(patterns.size());
+    for (const PatternText& pattern : patterns)
+        if (!set->add(compile(pattern, pattern.options))) return nullptr;
+    return set;
 }
 
 } // namespace tav::bench

@@ -55,6 +55,11 @@ const Subjects& subjectsOf(const Case& one) {
     return whole.try_emplace(one.text, Subjects{text(one.text)}).first->second;
 }
 
+std::unique_ptr<Engine> makeEngine(const Case& one, std::size_t engine) {
+    if (one.work == Work::Set) return asEngine(engines[engine].makeSet, patternOf(one));
+    return engines[engine].make(patternOf(one));
+}
+
 /// Hands every round's time to a table of vectors, by benchmark name.
 class Collector final : public benchmark::BenchmarkReporter {
 public:
@@ -233,7 +238,7 @@ int main(int argc, char** argv) {
         if (!std::regex_search(std::string(one.group) + "/" + one.name, filter)) continue;
         std::array<std::unique_ptr<Engine>, engineCount> made;
         for (std::size_t i = 0; i < engineCount; i++)
-            made[i] = engines[i].make(patternOf(one));
+            made[i] = makeEngine(one, i);
         Tally tally;
         if (!agree(one, made, tally)) {
             differed++;

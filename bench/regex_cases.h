@@ -100,6 +100,34 @@ inline constexpr Case cases[] = {
     {"utf8", "dot", ".{20}", "", Text::Utf8, Source::Whole, Work::All},
     {"utf8", "words", "\\w+", "", Text::Utf8, Source::Whole, Work::All},
 
+    {"replace", "literal", "the", "", Text::Prose, Source::Whole, Work::Replace},
+    {"replace", "rare", "Montgomery", "", Text::Prose, Source::Whole, Work::Replace},
+    {"replace", "words", "\\w+", "", Text::Prose, Source::Whole, Work::Replace},
+    {"replace", "groups", "(\\w+)@([\\w.]+)", "", Text::Prose, Source::Whole, Work::Replace},
+    {"replace", "lines", "\\d+", "", Text::Log, Source::Lines, Work::Replace},
+    {"replace", "short", "[aeiou]", "", Text::Prose, Source::Short, Work::Replace},
+    {"replace", "no-match", "zyxwvut", "", Text::Prose, Source::Lines, Work::Replace},
+
+    {"set", "five-log-lines", "\"POST \n 404 \\d+\n/api/v\\d+/\n^10\\.\nq=lantern", "", Text::Log,
+     Source::Lines, Work::Set},
+    {"set", "twenty-words",
+     "Alice\nRobert\nCatherine\nDimitri\nwindow\nquarter\ncaptain\nexchange\njealous\nquiet\nquestion\nlazily"
+     "\n"
+     "oxygen\njumped\nharbour\nwhisper\nlantern\nmountain\nvillage\nevening",
+     "", Text::Prose, Source::Lines, Work::Set},
+    {"set", "twenty-words-whole",
+     "Alice\nRobert\nCatherine\nDimitri\nwindow\nquarter\ncaptain\nexchange\njealous\nquiet\nquestion\nlazily"
+     "\n"
+     "oxygen\njumped\nharbour\nwhisper\nlantern\nmountain\nvillage\nevening",
+     "", Text::Prose, Source::Whole, Work::Set},
+    {"set", "forms",
+     "^\\d+$\n^\\d{4}-\\d\\d-\\d\\d$\n^[\\w.]+@[\\w.]+$\n^(?:\\d{1,3}\\.){3}\\d{1,3}$\n^\\w+ \\w+", "",
+     Text::Prose, Source::Short, Work::Set},
+    {"set", "absent",
+     "Exception: \\w+\nsegfault at \\d+\npanic\\n?\nOutOfMemory\ntimeout after \\d+ ms\nrefused\nTraceback\n"
+     "deadlock\ncorrupt(?:ed)?\ndenied for user",
+     "", Text::Log, Source::Lines, Work::Set},
+
     {"compile", "literal", "lantern", "", Text::Prose, Source::Short, Work::Compile},
     {"compile", "date", "^(\\d{4})-(\\d\\d)-(\\d\\d)$", "", Text::Prose, Source::Short, Work::Compile},
     {"compile", "words", "Alice|Robert|Catherine|Dimitri|[a-z]+ing", "", Text::Prose, Source::Short,
