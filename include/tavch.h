@@ -737,9 +737,9 @@ typedef struct tavRegExpReplaceContext {
 /**
  * A set of patterns under identifiers: this header, then its two arrays, in one block of the caller's.
  *
- * tavsRegExpMultiGetSize tells the size of the block, which must be aligned to 8 bytes. The set holds pointers
- * to the patterns and nothing of theirs: the caller keeps them alive while they are members, and releases
- * them. A free slot has a null pattern and the identifier 0.
+ * tavsRegExpMultiGetSize tells the size of the block, which must be aligned to 8 bytes. The set holds
+ * pointers to the patterns and nothing of theirs: the caller keeps them alive while they are members, and
+ * releases them. A free slot has a null pattern and the identifier 0.
  */
 typedef struct tavRegExpMultiContext {
     int32_t capacity;            /**< number of slots */
@@ -980,8 +980,8 @@ tavStatus tavsRegExpFind_8u(const uint8_t* pSrc, int32_t srcLen, tavRegExpContex
  *     \      vanishes; the byte behind it keeps its meaning, so "\$1" is still a reference
  *
  * Every digit behind "$" belongs to the number, and each one multiplies what stands before it by eleven, not
- * by ten: $12 is group 13 (11 * 1 + 2), $10 is group 11, and group 10 cannot be named. Numbers wrap at 32 bits.
- * There is no way to write a literal "$" or "\".
+ * by ten: $12 is group 13 (11 * 1 + 2), $10 is group 11, and group 10 cannot be named. Numbers wrap at 32
+ * bits. There is no way to write a literal "$" or "\".
  */
 
 /**
@@ -999,15 +999,16 @@ tavStatus tavsRegExpReplaceGetSize(const char* templateText, int32_t* size);
  *
  * @param templateText  zero-terminated template, or null: no items. It must outlive the context.
  * @param context       the block, aligned to 8 bytes, at least as large as tavsRegExpReplaceGetSize says
- * @return tavStsNullPointer: context is null; tavStsBadGroupReference: a "$" that neither "&" nor a digit follows,
- *         or a group number of 0 ($0, $00), see the note; tavStsNoError.
- * @note   After tavStsBadGroupReference the items before the fault are written, but itemCount keeps the value
- *         that the block had before: such a context must not be used.
+ * @return tavStsNullPointer: context is null; tavStsBadGroupReference: a "$" that neither "&" nor a digit
+ *         follows, or a group number of 0 ($0, $00), see the note; tavStsNoError.
+ * @note   After tavStsBadGroupReference the items before the fault are written, but itemCount keeps the
+ *         value that the block had before: such a context must not be used.
  */
 tavStatus tavsRegExpReplaceInit(const char* templateText, tavRegExpReplaceContext* context);
 
 /**
- * Copies a text and replaces its first match, or every match when the pattern was compiled with the option "g".
+ * Copies a text and replaces its first match, or every match when the pattern was compiled with the option
+ * "g".
  *
  * The search is that of tavsRegExpFind_8u, with one difference: under "g" every match stores groupCount
  * elements in `results`, the whole match first. Only matches stored with all their elements are replaced, so
@@ -1017,23 +1018,23 @@ tavStatus tavsRegExpReplaceInit(const char* templateText, tavRegExpReplaceContex
  * without a match, a part is copied only when at least one byte of the capacity stays free behind it.
  *
  *   no match (or a search that failed): as much of the source as fits is copied; both lengths tell how much.
- *   with "g": the work stops before the first part that does not fit. Before a match: *srcLen is the end of the
- *     previous match. Inside a replacement: *srcLen is the start of that match and its replacement does not
- *     count. Before the rest behind the last match: *srcLen is the end of the last match. *dstLen tells what is
- *     complete. Bytes of an incomplete replacement may stand behind it.
+ *   with "g": the work stops before the first part that does not fit. Before a match: *srcLen is the end of
+ *     the previous match. Inside a replacement: *srcLen is the start of that match and its replacement does
+ *     not count. Before the rest behind the last match: *srcLen is the end of the last match. *dstLen tells
+ *     what is complete. Bytes of an incomplete replacement may stand behind it.
  *   without "g", with p the offset of the match:
  *     *dstLen is p or less: nothing is written, both lengths become 0;
  *     the replacement does not fit: both lengths become p;
  *     the rest behind the match does not fit: *srcLen is the end of the match, *dstLen ends with the
  *       replacement;
- *     an empty template: the match is removed and *srcLen stays, but *dstLen becomes p: the rest is written and
- *       not counted.
+ *     an empty template: the match is removed and *srcLen stays, but *dstLen becomes p: the rest is written
+ *       and not counted.
  *
- * @warning Without "g" the destination must be larger than *dstLen says. The replacement is measured as if it
- *          stood at the start of the destination: provide room for p + *dstLen - 1 bytes, at most twice the
- *          capacity. With an empty template the rest is copied whatever the capacity: once *dstLen exceeds p,
- *          provide room for the whole source without its match. Under "g" nothing is written outside the
- *          capacity.
+ * @warning Without "g" the destination must be larger than *dstLen says. The replacement is measured as if
+ *          it stood at the start of the destination: provide room for p + *dstLen - 1 bytes, at most twice
+ *          the capacity. With an empty template the rest is copied whatever the capacity: once *dstLen
+ *          exceeds p, provide room for the whole source without its match. Under "g" nothing is written
+ *          outside the capacity.
  *
  * @param src         the text; with "\b" or "\B" in the pattern the byte behind it must be readable
  * @param srcLen      in: its length in bytes, 1 or more; out: the number of bytes used
@@ -1043,10 +1044,10 @@ tavStatus tavsRegExpReplaceInit(const char* templateText, tavRegExpReplaceContex
  * @param numResults  in: the number of elements of results; out: the number written
  * @param pattern     the compiled pattern; its work area is written, so one search at a time
  * @param context     the template
- * @return tavStsNullPointer: an argument is null; tavStsBadCount: *srcLen or *dstLen is below 1 (in these cases
- *         nothing is written); else the status of the search, whatever was replaced. With a failure of the
- *         search (tavStsBadCount: *numResults is below 1; tavStsBadContext; tavStsRepeatLimit) the source is
- *         copied as for no match.
+ * @return tavStsNullPointer: an argument is null; tavStsBadCount: *srcLen or *dstLen is below 1 (in these
+ *         cases nothing is written); else the status of the search, whatever was replaced. With a failure of
+ *         the search (tavStsBadCount: *numResults is below 1; tavStsBadContext; tavStsRepeatLimit) the
+ *         source is copied as for no match.
  *
  * @code
  * // "2026-11-20" -> "20.11.2026", for every date in the text: pattern "(\d+)-(\d+)-(\d+)", options "g"
@@ -1073,8 +1074,8 @@ tavStatus tavsRegExpReplace_8u(const uint8_t* src, int32_t* srcLen, uint8_t* dst
  *
  * @param maxPatterns  number of slots, 1 to 178,956,968
  * @param size         receives the size in bytes: 24 + 12 * maxPatterns
- * @return tavStsNullPointer: size is null; tavStsBadCount: maxPatterns is 0 or so large that the size does not fit
- *         *size, which is left untouched; tavStsNoError.
+ * @return tavStsNullPointer: size is null; tavStsBadCount: maxPatterns is 0 or so large that the size does
+ *         not fit *size, which is left untouched; tavStsNoError.
  */
 tavStatus tavsRegExpMultiGetSize(uint32_t maxPatterns, int32_t* size);
 
@@ -1091,14 +1092,14 @@ tavStatus tavsRegExpMultiInit(tavRegExpMultiContext* set, uint32_t maxPatterns);
  * Allocates a block with tavMalloc, makes an empty set in it and stores it in *setOut. Release it with
  * tavsRegExpMultiFree.
  *
- * @return tavStsNullPointer: setOut is null, or the allocation failed (*setOut is then null); tavStsBadCount:
- *         as tavsRegExpMultiGetSize (nothing is written); tavStsNoError.
+ * @return tavStsNullPointer: setOut is null, or the allocation failed (*setOut is then null);
+ *         tavStsBadCount: as tavsRegExpMultiGetSize (nothing is written); tavStsNoError.
  */
 tavStatus tavsRegExpMultiInitAlloc(tavRegExpMultiContext** setOut, uint32_t maxPatterns);
 
 /**
- * Releases a block from tavsRegExpMultiInitAlloc, not the patterns in the set. Null is allowed. It is the same
- * function as tavsRegExpFree.
+ * Releases a block from tavsRegExpMultiInitAlloc, not the patterns in the set. Null is allowed. It is the
+ * same function as tavsRegExpFree.
  * @return tavStsNoError.
  */
 tavStatus tavsRegExpMultiFree(void* set);
@@ -1109,8 +1110,8 @@ tavStatus tavsRegExpMultiFree(void* set);
  * @param pattern  a compiled pattern (its tag is tested by the search only); it must outlive its membership
  * @param id       its identifier, not 0; one that is already in the set fills another slot
  * @param set      the set
- * @return tavStsNullPointer: pattern or set is null; tavStsBadArgument: id is 0; tavStsSetFull: no slot is free;
- *         tavStsNoError. Nothing changes on a failure.
+ * @return tavStsNullPointer: pattern or set is null; tavStsBadArgument: id is 0; tavStsSetFull: no slot is
+ *         free; tavStsNoError. Nothing changes on a failure.
  */
 tavStatus tavsRegExpMultiAdd(tavRegExpContext* pattern, uint32_t id, tavRegExpMultiContext* set);
 
@@ -1125,8 +1126,8 @@ tavStatus tavsRegExpMultiDelete(uint32_t id, tavRegExpMultiContext* set);
 /**
  * Puts another pattern into the lowest slot with an identifier, which it keeps.
  *
- * @return tavStsNullPointer: pattern or set is null; tavStsBadArgument: id is 0; tavStsNotFound: no slot has it;
- *         tavStsNoError. Nothing changes on a failure.
+ * @return tavStsNullPointer: pattern or set is null; tavStsBadArgument: id is 0; tavStsNotFound: no slot has
+ *         it; tavStsNoError. Nothing changes on a failure.
  * @note   A capacity below 0, which no initialiser makes, is not searched: tavsRegExpMultiAdd fills slot 0,
  *         tavsRegExpMultiDelete clears it and tavsRegExpMultiModify replaces its pattern, whatever it holds.
  */
@@ -1137,12 +1138,12 @@ tavStatus tavsRegExpMultiModify(tavRegExpContext* pattern, uint32_t id, tavRegEx
  *
  * @param src      the text
  * @param len      its length in bytes, 1 or more
- * @param results  one entry per slot: the caller sets `finds` and `numFind`, and `searched` to 0; the entry of a
- *                 slot with a pattern receives `numFind`, `status`, `id`, and 1 in `searched`; the entry of a
- *                 free slot is left as it is
+ * @param results  one entry per slot: the caller sets `finds` and `numFind`, and `searched` to 0; the entry
+ *                 of a slot with a pattern receives `numFind`, `status`, `id`, and 1 in `searched`; the
+ *                 entry of a free slot is left as it is
  * @param set      the set; the work areas of its patterns are written
- * @return tavStsNullPointer: src, set or results is null; tavStsBadCount: len is below 1; else tavStsNoError,
- *         whatever the single searches answered: that stands in their entries.
+ * @return tavStsNullPointer: src, set or results is null; tavStsBadCount: len is below 1; else
+ *         tavStsNoError, whatever the single searches answered: that stands in their entries.
  *
  * @code
  * for (i = 0; i < set->capacity; i++) {
