@@ -62,6 +62,7 @@ void analyseLeadingRun(Plan& plan) {
     Node& node = plan.nodes[pc];
     if (isGreedy(node) && node.max == unboundedRepeat && node.item <= Item::tested)
         node.traits = static_cast<uint16_t>(node.traits | traitLeading);
+    plan.leadingIsBytewise = node.has(traitSingle);
 }
 
 /// A capture that every match passes through is set anew by whatever path succeeds, so undoing it is not

@@ -52,7 +52,7 @@ private:
     const uint8_t* start_ = nullptr;
 };
 
-uint64_t membersAmong64(const uint8_t* p, const RangeTest& test) {
+uint64_t among64(const uint8_t* p, const RangeTest& test) {
     uint64_t members = 0;
     for (int i = 0; i < 4; ++i)
         members |= static_cast<uint64_t>(test(Vector<uint8_t>::load(p + 16 * i)).lanes().bits) << (16 * i);
@@ -66,28 +66,86 @@ uint64_t membersAmong(const uint8_t* p, int64_t count, const uint8_t (&table)[25
     return members;
 }
 
+/// The run that every attempt begins with, when nothing but opened groups stands before it; else null.
+const Node* firstRun(const Plan& plan) {
+    if (plan.firstAlternative != noNode || plan.start != StartFilter::prefix) return nullptr;
+    int32_t pc = 0;
+    while (plan.nodes[pc].kind == Kind::group && plan.nodes[pc].link == noNode &&
+           plan.program.code[pc].op != OP_COND)
+        ++pc;
+    const Node& node = plan.nodes[pc];
+    const bool fits =
+        isGreedy(node) && node.item == Item::charClass && node.min >= 1 && node.max == unboundedRepeat;
+    return fits && speaksOfBytes(plan, node) ? &node : nullptr;
+}
+
 } // namespace
 
 void findClassRun(Plan& plan) {
-    const Node& node = plan.nodes[0];
     plan.isClassRun = false;
-    if (!isGreedy(node) || node.item != Item::charClass || node.min < 1 || node.max != unboundedRepeat)
-        return;
-    if (node.next != plan.program.length || plan.program.groupCount != 1 || plan.firstAlternative != noNode)
-        return;
-    if (plan.start != StartFilter::prefix || !speaksOfBytes(plan, node)) return;
+    const Node* node = firstRun(plan);
+    if (node == nullptr) return;
     ByteSet members;
-    addItem(plan, node, members);
+    addItem(plan, *node, members);
     plan.classRun = ByteRanges::covering(members);
-    plan.isClassRun = plan.classRun.exact;
+    plan.classRunMinimum = node->min;
+    if (!plan.classRun.exact) return;
+    if (plan.nodes[0].next == plan.program.length && plan.program.groupCount == 1) {
+        plan.isClassRun = true;
+    } else if (node->has(traitPossessive) && node->has(traitLeading)) {
+        plan.runFollows = ByteRanges::covering(firstBytesFrom(plan, node->next).bytes);
+        plan.start = StartFilter::classRun;
+    }
+}
+
+namespace {
+
+bool isIn(const ByteRanges& ranges, uint8_t byte) {
+    for (int32_t i = 0; i < ranges.count; ++i)
+        if (byte >= ranges.first[i] && byte <= ranges.last[i]) return true;
+    return false;
+}
+
+/// The beginning of the stretch that ends at `end`, or null when it is too short.
+const uint8_t* beginning(const Plan& plan, const uint8_t* floor, const uint8_t* end) {
+    const uint8_t* start = end;
+    while (start != floor && plan.prefix.table[0][start[-1]])
+        --start;
+    return end - start >= plan.classRunMinimum ? start : nullptr;
+}
+
+} // namespace
+
+const uint8_t* nextClassRun(const Plan& plan, const uint8_t* p, const uint8_t* end) {
+    const RangeTest isMember(plan.classRun);
+    const RangeTest mayFollow(plan.runFollows);
+    const uint8_t* q = p;
+    uint64_t carry = 0; // 1: the byte before `q` is a member
+    for (; end - q >= 64; q += 64) {
+        const uint64_t members = among64(q, isMember);
+        for (uint64_t ends = (members << 1 | carry) & ~members; ends != 0; ends &= ends - 1) {
+            ends &= among64(q, mayFollow);
+            if (ends == 0) break;
+            const uint8_t* start = beginning(plan, p, q + std::countr_zero(ends));
+            if (start != nullptr) return start;
+        }
+        carry = members >> 63;
+    }
+    for (; q < end; ++q) {
+        const bool member = plan.prefix.table[0][*q] != 0;
+        if (!member && carry && isIn(plan.runFollows, *q))
+            if (const uint8_t* start = beginning(plan, p, q)) return start;
+        carry = member;
+    }
+    return carry ? beginning(plan, p, end) : nullptr;
 }
 
 void storeClassRuns(const Plan& plan, const Subject& subject, Results& results) {
     const RangeTest test(plan.classRun);
-    Stretches stretches(plan.nodes[0].min, results);
+    Stretches stretches(plan.classRunMinimum, results);
     const uint8_t* p = subject.begin;
     for (; subject.end - p >= 64; p += 64)
-        if (!stretches.take(p, membersAmong64(p, test))) return;
+        if (!stretches.take(p, among64(p, test))) return;
     const int64_t left = subject.end - p;
     if (left > 0 && !stretches.take(p, membersAmong(p, left, plan.prefix.table[0]))) return;
     stretches.end(subject.end);

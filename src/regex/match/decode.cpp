@@ -97,8 +97,9 @@ void decodeSingle(const Program& program, int32_t pc, Node& node) {
     node.next = behind(program, pc);
     if (const Instruction* quantifier = quantifierAt(program, node.next)) {
         node.kind = quantifier->op == OP_GREEDY ? Kind::greedy : Kind::lazy;
-        node.min = quantifier->a;
+        node.min = quantifier->a < 0 ? 0 : quantifier->a;
         node.max = quantifier->b;
+        if (node.max < node.min) node.kind = Kind::fail;
         ++node.next;
         return;
     }
@@ -169,8 +170,8 @@ void decodeGroup(const Program& program, int32_t pc, Node& node) {
     ++node.next;
     if (quantifier->a == 1 && quantifier->b == 1) return;
     node.kind = isAtomic ? Kind::atomicLoop : Kind::loop;
-    node.min = quantifier->a;
-    node.max = quantifier->b;
+    node.min = quantifier->a < 0 ? 0 : quantifier->a;
+    node.max = quantifier->b < node.min ? node.min : quantifier->b;
     if (quantifier->op == OP_LAZY) addTrait(node, traitLazy);
 }
 
@@ -313,6 +314,7 @@ Node decode(const Program& program, int32_t pc, const Place& place) {
         decodeAlternativeEnd(program, pc, place, node);
         break;
     case OP_GROUP_END:
+        if (place.opener == noNode) break;
         decodeClosing(program, place.opener, node);
         node.index = bracketIndex(at);
         break;

@@ -70,7 +70,8 @@ Node DirectNodes::operator[](int32_t pc) const {
     const Program& program = plan_.program;
     if (pc == program.length) return decode(program, pc, {0, noNode, false});
     const bool condition = pc > 0 && program.code[pc - 1].op == OP_COND;
-    return decode(program, pc, {optionsAt(pc), openerOf(plan_.brackets, program.code[pc]), condition});
+    return decode(program, pc,
+                  {optionsAt(pc), openerOf(program, plan_.brackets, plan_.bracketCount, pc), condition});
 }
 
 /// The options in force at an instruction are those that the nearest instruction before it sets.
@@ -346,7 +347,7 @@ bool Machine<Nodes>::holds(const Node& node, const uint8_t* p) const {
     case 'B':
         return !isBoundary(begin_, p);
     case anchorLineStart:
-        return atStart || behindLineFeed || p == end_;
+        return atStart || behindLineFeed;
     default:
         return false;
     }

@@ -92,7 +92,8 @@ void decodeAll(Plan& plan, Area& area) {
         if (pc < members) continue;
         const Instruction& at = program.code[pc];
         const bool condition = pc > 0 && pc > members && program.code[pc - 1].op == OP_COND;
-        node = decode(program, pc, {options, openerOf(plan.brackets, at), condition});
+        node = decode(program, pc,
+                      {options, openerOf(program, plan.brackets, plan.bracketCount, pc), condition});
         if (node.item == Item::tested) classes.classify(pc, options, node);
         options = optionsBehind(at, options);
         if (at.op == OP_SET) members = pc + at.b + 1;

@@ -49,6 +49,7 @@ enum class StartMode : uint8_t {
 enum class StartFilter : uint8_t {
     none,      // any
     prefix,    // those that `prefix` accepts
+    classRun,  // those where a run of `classRun` begins that ends in front of one of `runFollows`
     literal,   // those where the literal of node 0 stands
     lineStart, // the subject's start, or behind a line feed
 };
@@ -79,8 +80,11 @@ struct Plan {
     Node* nodes;
     ClassTable* ascii;
     MalformedBits* malformed;
-    bool isClassRun; // the program is a run of one class: `classRun`
+    bool leadingIsBytewise; // the leading run consists of one-byte characters, whatever position it begins at
+    bool isClassRun;        // the program is a run of one class: `classRun`
+    int32_t classRunMinimum;
     ByteRanges classRun;
+    ByteRanges runFollows; // StartFilter::classRun: what may follow the run
     Prefix prefix;
 };
 

@@ -1,6 +1,7 @@
 #include "regex/match/starts.h"
 
 #include "regex/match/characters.h"
+#include "regex/match/class_runs.h"
 #include "regex/match/range_test.h"
 #include "strings/find.h"
 #include "strings/scan.h"
@@ -12,6 +13,8 @@ const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) const {
     switch (plan_.start) {
     case StartFilter::prefix:
         return nextPrefix(p, end);
+    case StartFilter::classRun:
+        return nextClassRun(plan_, p, end);
     case StartFilter::literal:
         return nextLiteral(p, end);
     case StartFilter::lineStart:
@@ -30,7 +33,9 @@ const uint8_t* Starts::after(const uint8_t* p, const uint8_t* known, const uint8
         while (p != nullptr && p != end && rulesOut(p, end));
         return p != nullptr && rulesOut(p, end) ? nullptr : p;
     }
-    p = p < known ? known : advance(p);
+    // Begun inside a character, the same bytes may make other characters.
+    const bool skip = p < known && (wholeCharacters_ || plan_.leadingIsBytewise);
+    p = skip ? known : advance(p);
     return p <= end ? from(p, end) : nullptr;
 }
 

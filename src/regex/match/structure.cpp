@@ -32,7 +32,7 @@ private:
         case OP_GROUP_END:
             return leave(pc, at);
         case OP_ALT_END:
-            return at.a == openId();
+            return at.a == openId() && pc != close_;
         case OP_SET:
             return at.b >= 0 && at.b < close_ - pc;
         case OP_STRING:
@@ -62,7 +62,8 @@ private:
     }
 
     bool leave(int32_t pc, const Instruction& at) {
-        if (open_ == 0 || pc != close_ || at.a != openId()) return false;
+        if (open_ == 0 || pc != close_) return true; // it closes nothing: reached, it fails
+        if (at.a != openId()) return false;
         open_ = brackets_[open_].outer;
         close_ = program_.length;
         if (open_ != 0) close_ = brackets_[open_].opener + program_.code[brackets_[open_].opener].b + 1;
@@ -84,6 +85,15 @@ int32_t countBrackets(const Program& program) {
         if (isBracket(at.op) && validId(at.a) && magnitude(at.a) > highest) highest = magnitude(at.a);
     }
     return highest + 1;
+}
+
+int32_t openerOf(const Program& program, const Bracket* brackets, int32_t bracketCount, int32_t pc) {
+    const Instruction& at = program.code[pc];
+    if ((at.op != OP_GROUP_END && at.op != OP_ALT_END) || !validId(at.a)) return noNode;
+    if (magnitude(at.a) >= bracketCount) return noNode;
+    const int32_t opener = brackets[magnitude(at.a)].opener;
+    const bool closes = opener != noNode && opener + program.code[opener].b + 1 == pc;
+    return closes || at.op == OP_ALT_END ? opener : noNode;
 }
 
 bool structureHolds(const Program& program, Bracket* brackets, int32_t bracketCount) {

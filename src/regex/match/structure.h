@@ -13,10 +13,8 @@ int32_t countBrackets(const Program& program);
 /// Checks the program and fills in the openers of its brackets.
 bool structureHolds(const Program& program, Bracket* brackets, int32_t bracketCount);
 
-/// The opener of the bracket that OP_GROUP_END or OP_ALT_END belongs to; noNode at top level and for others.
-inline int32_t openerOf(const Bracket* brackets, const Instruction& at) {
-    if ((at.op != OP_GROUP_END && at.op != OP_ALT_END) || at.a == 0) return noNode;
-    return brackets[at.a < 0 ? -at.a : at.a].opener;
-}
+/// The opener of the bracket that the OP_GROUP_END or OP_ALT_END at `pc` belongs to; noNode at top level, for
+/// a closing that closes nothing, and for other instructions.
+int32_t openerOf(const Program& program, const Bracket* brackets, int32_t bracketCount, int32_t pc);
 
 } // namespace tav::regex
