@@ -13,6 +13,10 @@
 
 namespace tav {
 
+/// Before an exported function whose calls of a few elements matter: everything that it calls and that is
+/// visible is inlined, so that vectors and what a scan captures stay in registers.
+#define TAV_FLATTEN [[gnu::flatten]]
+
 /// The lanes in which a comparison held: sizeof(E) bits per lane, lane 0 lowest.
 template <class E>
 struct LaneMask {

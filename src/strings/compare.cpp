@@ -8,13 +8,13 @@
 namespace tav {
 
 template <class E>
-int32_t mismatch(const E* one, const E* two, int32_t len) {
+TAV_FLATTEN int32_t mismatch(const E* one, const E* two, int32_t len) {
     const auto same = [=](auto block) { return block.load(one).equal(block.load(two)); };
     return static_cast<int32_t>(scanForward<Seek::miss, E>(len, same));
 }
 
 template <class E>
-int32_t mismatchIgnoreCaseLatin(const E* one, const E* two, int32_t len) {
+TAV_FLATTEN int32_t mismatchIgnoreCaseLatin(const E* one, const E* two, int32_t len) {
     const auto same = [=](auto block) { return block.load(one).equal(block.load(two)); };
     const auto sameFolded = [=](auto block) {
         return latin::toLower(block.load(one)).equal(latin::toLower(block.load(two)));
@@ -23,7 +23,7 @@ int32_t mismatchIgnoreCaseLatin(const E* one, const E* two, int32_t len) {
 }
 
 template <class E>
-tavStatus compare(const E* pSrc1, const E* pSrc2, int32_t len, int32_t* pResult) {
+TAV_FLATTEN tavStatus compare(const E* pSrc1, const E* pSrc2, int32_t len, int32_t* pResult) {
     if (const auto bad = Arguments::pointers(pSrc1, pSrc2, pResult).lengths(len); bad.failed())
         return bad.status;
     const int32_t i = mismatch(pSrc1, pSrc2, len);
@@ -32,7 +32,7 @@ tavStatus compare(const E* pSrc1, const E* pSrc2, int32_t len, int32_t* pResult)
 }
 
 template <class E>
-tavStatus equal(const E* pSrc1, const E* pSrc2, int32_t len, uint32_t* pResult) {
+TAV_FLATTEN tavStatus equal(const E* pSrc1, const E* pSrc2, int32_t len, uint32_t* pResult) {
     if (const auto bad = Arguments::pointers(pSrc1, pSrc2, pResult).lengths(len); bad.failed())
         return bad.status;
     *pResult = mismatch(pSrc1, pSrc2, len) < 0 ? 1 : 0;
@@ -40,7 +40,7 @@ tavStatus equal(const E* pSrc1, const E* pSrc2, int32_t len, uint32_t* pResult) 
 }
 
 template <class E>
-tavStatus compareIgnoreCaseLatin(const E* pSrc1, const E* pSrc2, int32_t len, int32_t* pResult) {
+TAV_FLATTEN tavStatus compareIgnoreCaseLatin(const E* pSrc1, const E* pSrc2, int32_t len, int32_t* pResult) {
     if (const auto bad = Arguments::pointers(pSrc1, pSrc2, pResult).lengths(len); bad.failed())
         return bad.status;
     const int32_t i = mismatchIgnoreCaseLatin(pSrc1, pSrc2, len);

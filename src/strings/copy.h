@@ -1,6 +1,7 @@
 // The two routines through which the editing and trimming functions copy.
 #pragma once
 
+#include "strings/blocks.h"
 #include "tavch.h"
 
 #include <cstddef>
@@ -14,7 +15,19 @@ template <class E>
 tavStatus moveElements(const E* source, E* destination, int32_t count) {
     if (source == nullptr || destination == nullptr) return tavStsNullPointer;
     if (count < 1) return tavStsBadCount;
-    std::memmove(destination, source, static_cast<std::size_t>(count) * sizeof(E));
+    constexpr int32_t size = Vector<E>::size;
+    // Small pieces are the common ones and the call would be most of their cost. All is loaded before
+    // anything is stored.
+    if (count < size) {
+        withShortBlock<E>(count, [=](auto block) { block.store(destination, block.load(source)); });
+    } else if (count <= 2 * size) {
+        const WholeBlock<E> head{0}, tail{count - size};
+        const Vector<E> first = head.load(source), last = tail.load(source);
+        head.store(destination, first);
+        tail.store(destination, last);
+    } else {
+        std::memmove(destination, source, static_cast<std::size_t>(count) * sizeof(E));
+    }
     return tavStsNoError;
 }
 

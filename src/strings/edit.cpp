@@ -4,7 +4,7 @@
 
 #include "base/arguments.h"
 #include "strings/copy.h"
-#include "strings/find.h"
+#include "strings/scan.h"
 #include "strings/transform.h"
 
 #include <limits>
@@ -17,6 +17,57 @@ namespace {
 constexpr int64_t behind(int32_t len, int64_t at) {
     return len - at;
 }
+
+/// A split under way: fields are taken off the source in order and written to the slots.
+template <class E>
+class Splitter {
+public:
+    Splitter(const E* src, int32_t len, E* const* dsts, int32_t* dstLens, int32_t slots)
+        : src_(src), dsts_(dsts), dstLens_(dstLens), len_(len), slots_(slots) {}
+
+    /// Ends the next field at a separator. Whether to stop: a slot is refused, or none is left.
+    bool endFieldAt(int64_t separator) {
+        if (separator < at_) return false; // a scan may come by a position again
+        return !writeField(static_cast<int32_t>(separator));
+    }
+
+    /// Writes what is left behind the last separator; the answer of the whole split.
+    tavStatus finish() {
+        if (at_ < len_) writeField(len_);
+        if (error_ != tavStsNoError) return error_;
+        return at_ < len_ ? tavStsSplitUnfinished : warning_;
+    }
+
+    int32_t fields() const { return field_; }
+
+private:
+    bool writeField(int32_t end) {
+        if (error_ != tavStsNoError || field_ == slots_) return false;
+        E* const dst = dsts_[field_];
+        int32_t& capacity = dstLens_[field_];
+        error_ = Arguments::pointers(dst).lengths(capacity).status;
+        if (error_ != tavStsNoError) return false;
+        if (end - at_ <= capacity) {
+            capacity = end - at_;
+        } else {
+            warning_ = tavStsFieldTruncated;
+        }
+        copyElements(src_ + at_, dst, capacity);
+        ++field_;
+        at_ = end < len_ ? end + 1 : len_;
+        return true;
+    }
+
+    const E* src_;
+    E* const* dsts_;
+    int32_t* dstLens_;
+    int32_t len_;
+    int32_t slots_;
+    int32_t at_ = 0;    ///< where the next field begins
+    int32_t field_ = 0; ///< fields written
+    tavStatus warning_ = tavStsNoError;
+    tavStatus error_ = tavStsNoError;
+};
 
 /// Appends the strings in order. Each is tested when it is reached, so that those before it stay written.
 template <class E>
@@ -34,8 +85,8 @@ tavStatus appendAll(const E* const* pSrcs, const int32_t* srcLens, int32_t numSr
 } // namespace
 
 template <class E>
-tavStatus insert(const E* pSrc, int32_t srcLen, const E* pInsert, int32_t insertLen, E* pDst,
-                 int32_t startIndex) {
+TAV_FLATTEN tavStatus insert(const E* pSrc, int32_t srcLen, const E* pInsert, int32_t insertLen, E* pDst,
+                             int32_t startIndex) {
     if (const auto bad = Arguments::pointers(pSrc, pInsert, pDst)
                              .lengths(srcLen, insertLen, startIndex, behind(srcLen, startIndex));
         bad.failed()) {
@@ -50,8 +101,8 @@ tavStatus insert(const E* pSrc, int32_t srcLen, const E* pInsert, int32_t insert
 }
 
 template <class E>
-tavStatus insertInPlace(const E* pInsert, int32_t insertLen, E* pSrcDst, int32_t* pSrcDstLen,
-                        int32_t startIndex) {
+TAV_FLATTEN tavStatus insertInPlace(const E* pInsert, int32_t insertLen, E* pSrcDst, int32_t* pSrcDstLen,
+                                    int32_t startIndex) {
     if (const auto bad = Arguments::pointers(pInsert, pSrcDst, pSrcDstLen); bad.failed()) return bad.status;
     const int32_t len = *pSrcDstLen;
     const int64_t roomInLength = behind(std::numeric_limits<int32_t>::max(), int64_t{len} + insertLen);
@@ -66,7 +117,7 @@ tavStatus insertInPlace(const E* pInsert, int32_t insertLen, E* pSrcDst, int32_t
 }
 
 template <class E>
-tavStatus remove(const E* pSrc, int32_t srcLen, E* pDst, int32_t startIndex, int32_t removeLen) {
+TAV_FLATTEN tavStatus remove(const E* pSrc, int32_t srcLen, E* pDst, int32_t startIndex, int32_t removeLen) {
     const int64_t tailLen = behind(srcLen, int64_t{startIndex} + removeLen);
     if (const auto bad = Arguments::pointers(pSrc, pDst).lengths(removeLen, startIndex, tailLen);
         bad.failed()) {
@@ -78,7 +129,7 @@ tavStatus remove(const E* pSrc, int32_t srcLen, E* pDst, int32_t startIndex, int
 }
 
 template <class E>
-tavStatus removeInPlace(E* pSrcDst, int32_t* pSrcDstLen, int32_t startIndex, int32_t removeLen) {
+TAV_FLATTEN tavStatus removeInPlace(E* pSrcDst, int32_t* pSrcDstLen, int32_t startIndex, int32_t removeLen) {
     if (const auto bad = Arguments::pointers(pSrcDst, pSrcDstLen); bad.failed()) return bad.status;
     const int32_t len = *pSrcDstLen;
     const int64_t tailLen = behind(len, int64_t{startIndex} + removeLen);
@@ -89,7 +140,7 @@ tavStatus removeInPlace(E* pSrcDst, int32_t* pSrcDstLen, int32_t startIndex, int
 }
 
 template <class E>
-tavStatus concat(const E* pSrc1, int32_t len1, const E* pSrc2, int32_t len2, E* pDst) {
+TAV_FLATTEN tavStatus concat(const E* pSrc1, int32_t len1, const E* pSrc2, int32_t len2, E* pDst) {
     if (const auto bad = Arguments::pointers(pSrc1, pSrc2, pDst).lengths(len1, len2); bad.failed()) {
         return bad.status;
     }
@@ -114,36 +165,25 @@ tavStatus concatListWithDelimiter(const E* const* pSrcs, const int32_t* srcLens,
 }
 
 template <class E>
-tavStatus split(const E* pSrc, int32_t len, E delim, E* const* pDsts, int32_t* dstLens, int32_t* pNumDst) {
+TAV_FLATTEN tavStatus split(const E* pSrc, int32_t len, E delim, E* const* pDsts, int32_t* dstLens,
+                            int32_t* pNumDst) {
     if (const auto bad = Arguments::pointers(pSrc, pDsts, dstLens, pNumDst).lengths(len); bad.failed()) {
         return bad.status;
     }
     const int32_t slots = *pNumDst;
     if (slots < 1) return tavStsBadCount;
-    int32_t at = 0;
-    tavStatus warning = tavStsNoError;
-    for (int32_t k = 0; k < slots; ++k) {
-        if (at >= len) {
-            *pNumDst = k;
-            return warning;
-        }
-        if (const auto bad = Arguments::pointers(pDsts[k]).lengths(dstLens[k]); bad.failed())
-            return bad.status;
-        const int32_t found = indexOf(pSrc + at, len - at, delim);
-        const int32_t fieldLen = found < 0 ? len - at : found;
-        if (fieldLen <= dstLens[k]) {
-            dstLens[k] = fieldLen;
-        } else {
-            warning = tavStsFieldTruncated;
-        }
-        copyElements(pSrc + at, pDsts[k], dstLens[k]);
-        at = found < 0 ? len : at + fieldLen + 1;
-    }
-    return at < len ? tavStsSplitUnfinished : warning; // *pNumDst holds the number of slots already
+    Splitter<E> splitter(pSrc, len, pDsts, dstLens, slots);
+    const auto separators = Vector<E>::splat(delim);
+    const auto isSeparator = [=](auto block) { return block.load(pSrc).equal(separators); };
+    scanForward<Seek::hit, E>(len, isSeparator, isSeparator,
+                              [&](int64_t position) { return splitter.endFieldAt(position); });
+    const tavStatus status = splitter.finish();
+    if (status >= 0) *pNumDst = splitter.fields();
+    return status;
 }
 
 template <class E>
-tavStatus replace(const E* pSrc, E* pDst, int32_t len, E oldVal, E newVal) {
+TAV_FLATTEN tavStatus replace(const E* pSrc, E* pDst, int32_t len, E oldVal, E newVal) {
     if (const auto bad = Arguments::pointers(pSrc, pDst).lengths(len); bad.failed()) return bad.status;
     struct Change {
         E oldValue, newValue;

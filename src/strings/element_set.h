@@ -209,7 +209,7 @@ int64_t scanUnanalysed(const E* src, int64_t count, const E* set, int32_t lenSet
 
 /// The first or the last position whose element is in the set (hit) or is not (miss), or -1.
 template <Way way, Seek seek, class E>
-int32_t scanForSet(const E* src, int32_t len, const E* set, int32_t lenSet) {
+[[gnu::noinline]] int32_t scanForSet(const E* src, int32_t len, const E* set, int32_t lenSet) {
     using namespace element_set;
     constexpr int32_t beginning = 4 * Vector<E>::size;
     if (lenSet == 0) {

@@ -10,14 +10,14 @@
 namespace tav {
 
 template <class E>
-int32_t indexOf(const E* src, int32_t len, E value) {
+TAV_FLATTEN int32_t indexOf(const E* src, int32_t len, E value) {
     const auto wanted = Vector<E>::splat(value);
     const auto isWanted = [=](auto block) { return block.load(src).equal(wanted); };
     return static_cast<int32_t>(scanForward<Seek::hit, E>(len, isWanted));
 }
 
 template <class E>
-int32_t lastIndexOf(const E* src, int32_t len, E value) {
+TAV_FLATTEN int32_t lastIndexOf(const E* src, int32_t len, E value) {
     const auto wanted = Vector<E>::splat(value);
     const auto isWanted = [=](auto block) { return block.load(src).equal(wanted); };
     return static_cast<int32_t>(scanBackward<Seek::hit, E>(len, isWanted));
@@ -34,14 +34,14 @@ int32_t lastIndexOfAny(const E* src, int32_t len, const E* set, int32_t lenSet) 
 }
 
 template <class E>
-int32_t indexOf(const E* src, int32_t len, const E* find, int32_t lenFind) {
+TAV_FLATTEN int32_t indexOf(const E* src, int32_t len, const E* find, int32_t lenFind) {
     if (lenFind < 1 || lenFind > len) return -1;
     if (lenFind == 1) return indexOf(src, len, find[0]);
     return substring::search<Way::forward>(src, len, find, lenFind);
 }
 
 template <class E>
-int32_t lastIndexOf(const E* src, int32_t len, const E* find, int32_t lenFind) {
+TAV_FLATTEN int32_t lastIndexOf(const E* src, int32_t len, const E* find, int32_t lenFind) {
     if (lenFind < 1 || lenFind > len) return -1;
     if (lenFind == 1) return lastIndexOf(src, len, find[0]);
     return substring::search<Way::backward>(src, len, find, lenFind);
@@ -73,14 +73,14 @@ tavStatus findZ(const E* pSrcZ, const E* pFindZ, int32_t* pIndex) {
 }
 
 template <class E>
-tavStatus findC(const E* pSrc, int32_t len, E valFind, int32_t* pIndex) {
+TAV_FLATTEN tavStatus findC(const E* pSrc, int32_t len, E valFind, int32_t* pIndex) {
     if (const auto bad = Arguments::pointers(pSrc, pIndex).lengths(len); bad.failed()) return bad.status;
     *pIndex = indexOf(pSrc, len, valFind);
     return tavStsNoError;
 }
 
 template <class E>
-tavStatus findRevC(const E* pSrc, int32_t len, E valFind, int32_t* pIndex) {
+TAV_FLATTEN tavStatus findRevC(const E* pSrc, int32_t len, E valFind, int32_t* pIndex) {
     if (const auto bad = Arguments::pointers(pSrc, pIndex).lengths(len); bad.failed()) return bad.status;
     *pIndex = lastIndexOf(pSrc, len, valFind);
     return tavStsNoError;

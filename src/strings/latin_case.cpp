@@ -8,7 +8,7 @@
 namespace tav {
 
 template <class E>
-tavStatus lowercaseLatin(const E* pSrc, E* pDst, int32_t len) {
+TAV_FLATTEN tavStatus lowercaseLatin(const E* pSrc, E* pDst, int32_t len) {
     if (const auto bad = Arguments::pointers(pSrc, pDst).lengths(len); bad.failed()) return bad.status;
     transform(pSrc, pDst, len, [](auto elements) { return latin::toLower(elements); });
     return tavStsNoError;
@@ -20,7 +20,7 @@ tavStatus lowercaseLatinInPlace(E* pSrcDst, int32_t len) {
 }
 
 template <class E>
-tavStatus uppercaseLatin(const E* pSrc, E* pDst, int32_t len) {
+TAV_FLATTEN tavStatus uppercaseLatin(const E* pSrc, E* pDst, int32_t len) {
     if (const auto bad = Arguments::pointers(pSrc, pDst).lengths(len); bad.failed()) return bad.status;
     transform(pSrc, pDst, len, [](auto elements) { return latin::toUpper(elements); });
     return tavStsNoError;

@@ -35,9 +35,10 @@ bool anyInFour(int64_t at, const Test& test) {
     return !((a & b) & (c & d)).lanes().all();
 }
 
-template <Seek seek, class E, class Block, class Test, class Accept>
-int64_t firstInBlock(Block block, const Test& test, Accept& accept) {
-    for (LaneMask<E> mask = Block::valid(sought<seek, E>(test(block))); mask.any();
+template <Seek seek, class E, class Block, class Rough, class Exact, class Accept>
+int64_t firstInBlock(Block block, const Rough& rough, const Exact& exact, Accept& accept) {
+    if (!sought<seek, E>(rough(block)).any()) return -1;
+    for (LaneMask<E> mask = Block::valid(sought<seek, E>(exact(block))); mask.any();
          mask = mask.withoutFirst()) {
         const int64_t position = block.position(mask.first());
         if (accept(position)) return position;
@@ -45,9 +46,10 @@ int64_t firstInBlock(Block block, const Test& test, Accept& accept) {
     return -1;
 }
 
-template <Seek seek, class E, class Block, class Test, class Accept>
-int64_t lastInBlock(Block block, const Test& test, Accept& accept) {
-    for (LaneMask<E> mask = Block::valid(sought<seek, E>(test(block))); mask.any();
+template <Seek seek, class E, class Block, class Rough, class Exact, class Accept>
+int64_t lastInBlock(Block block, const Rough& rough, const Exact& exact, Accept& accept) {
+    if (!sought<seek, E>(rough(block)).any()) return -1;
+    for (LaneMask<E> mask = Block::valid(sought<seek, E>(exact(block))); mask.any();
          mask = mask.withoutLast()) {
         const int64_t position = block.position(mask.last());
         if (accept(position)) return position;
@@ -67,25 +69,26 @@ int64_t scanForward(int64_t count, const Rough& rough, const Exact& exact, Accep
     constexpr int64_t size = Vector<E>::size;
     if (count < size) {
         if (count == 0) return -1;
-        return withShortBlock<E>(static_cast<int32_t>(count),
-                                 [&](auto block) { return firstInBlock<seek, E>(block, exact, accept); });
+        return withShortBlock<E>(static_cast<int32_t>(count), [&](auto block) {
+            return firstInBlock<seek, E>(block, rough, exact, accept);
+        });
     }
     int64_t at = 0;
     while (at + 4 * size <= count) {
         const int64_t next = at + 4 * size;
         if (anyInFour<seek, E>(at, rough)) {
             for (; at < next; at += size) {
-                const int64_t found = firstInBlock<seek, E>(WholeBlock<E>{at}, exact, accept);
+                const int64_t found = firstInBlock<seek, E>(WholeBlock<E>{at}, rough, exact, accept);
                 if (found >= 0) return found;
             }
         }
         at = next;
     }
     for (; at + size <= count; at += size) {
-        const int64_t found = firstInBlock<seek, E>(WholeBlock<E>{at}, exact, accept);
+        const int64_t found = firstInBlock<seek, E>(WholeBlock<E>{at}, rough, exact, accept);
         if (found >= 0) return found;
     }
-    return at == count ? -1 : firstInBlock<seek, E>(WholeBlock<E>{count - size}, exact, accept);
+    return at == count ? -1 : firstInBlock<seek, E>(WholeBlock<E>{count - size}, rough, exact, accept);
 }
 
 /// The last accepted position, or -1; otherwise as scanForward.
@@ -95,25 +98,26 @@ int64_t scanBackward(int64_t count, const Rough& rough, const Exact& exact, Acce
     constexpr int64_t size = Vector<E>::size;
     if (count < size) {
         if (count == 0) return -1;
-        return withShortBlock<E>(static_cast<int32_t>(count),
-                                 [&](auto block) { return lastInBlock<seek, E>(block, exact, accept); });
+        return withShortBlock<E>(static_cast<int32_t>(count), [&](auto block) {
+            return lastInBlock<seek, E>(block, rough, exact, accept);
+        });
     }
     int64_t end = count;
     while (end >= 4 * size) {
         const int64_t next = end - 4 * size;
         if (anyInFour<seek, E>(next, rough)) {
             for (; end > next; end -= size) {
-                const int64_t found = lastInBlock<seek, E>(WholeBlock<E>{end - size}, exact, accept);
+                const int64_t found = lastInBlock<seek, E>(WholeBlock<E>{end - size}, rough, exact, accept);
                 if (found >= 0) return found;
             }
         }
         end = next;
     }
     for (; end >= size; end -= size) {
-        const int64_t found = lastInBlock<seek, E>(WholeBlock<E>{end - size}, exact, accept);
+        const int64_t found = lastInBlock<seek, E>(WholeBlock<E>{end - size}, rough, exact, accept);
         if (found >= 0) return found;
     }
-    return end == 0 ? -1 : lastInBlock<seek, E>(WholeBlock<E>{0}, exact, accept);
+    return end == 0 ? -1 : lastInBlock<seek, E>(WholeBlock<E>{0}, rough, exact, accept);
 }
 
 /// The first and the last position at which `test` has the sought outcome, or -1.

@@ -47,6 +47,13 @@ void transform(const E* src, E* dst, int64_t count, const Change& change) {
         return withShortBlock<E>(static_cast<int32_t>(count),
                                  [&](auto block) { inBlock(block, src, dst, change); });
     }
+    if (count <= 2 * size) { // both are loaded before either is stored
+        const WholeBlock<E> head{0}, tail{count - size};
+        const Vector<E> first = change(head.load(src)), last = change(tail.load(src));
+        head.store(dst, first);
+        tail.store(dst, last);
+        return;
+    }
     int64_t at = 0;
     for (; at + 4 * size <= count; at += 4 * size) {
         for (int64_t part = 0; part < 4 * size; part += size) {

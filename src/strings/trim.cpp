@@ -6,6 +6,8 @@
 #include "strings/element_set.h"
 #include "strings/scan.h"
 
+#include <algorithm>
+
 namespace tav {
 
 namespace {
@@ -18,35 +20,74 @@ struct Kept {
     int32_t length() const { return end - first; }
 };
 
-template <class E>
-Kept keptWithout(const E* src, int32_t len, E odd) {
-    const auto odds = Vector<E>::splat(odd);
-    const auto isOdd = [=](auto block) { return block.load(src).equal(odds); };
-    const auto first = static_cast<int32_t>(scanForward<Seek::miss, E>(len, isOdd));
-    if (first < 0) return {0, 0};
-    return {first, static_cast<int32_t>(scanBackward<Seek::miss, E>(len, isOdd)) + 1};
+/// Most texts have nothing or little to strip: so many elements at an end are tested without vectors.
+constexpr int32_t plainSteps = 4;
+
+/// How many of the first elements, at most plainSteps, are members.
+template <class E, class Member>
+int32_t plainLeading(const E* src, int32_t len, const Member& isMember) {
+    const int32_t end = std::min(len, plainSteps);
+    int32_t i = 0;
+    while (i < end && isMember(src[i])) {
+        ++i;
+    }
+    return i;
 }
 
-/// The length of the run of members that the text starts with. Most texts start with none: that is seen
-/// without vectors.
+/// The same from the end.
+template <class E, class Member>
+int32_t plainTrailing(const E* src, int32_t len, const Member& isMember) {
+    const int32_t end = std::min(len, plainSteps);
+    int32_t i = 0;
+    while (i < end && isMember(src[len - 1 - i])) {
+        ++i;
+    }
+    return i;
+}
+
+/// The first element that differs from `odd`, or -1; out of line, so that the plain steps save no registers.
+template <Way way, class E>
+TAV_FLATTEN [[gnu::noinline]] int32_t scanForOther(const E* src, int32_t len, E odd) {
+    const auto odds = Vector<E>::splat(odd);
+    return static_cast<int32_t>(
+        scan<way, Seek::miss, E>(len, [=](auto block) { return block.load(src).equal(odds); }));
+}
+
+template <class E>
+Kept keptWithout(const E* src, int32_t len, E odd) {
+    const auto isOdd = [=](E element) { return element == odd; };
+    Kept kept{plainLeading(src, len, isOdd), len};
+    if (kept.first == plainSteps) kept.first = scanForOther<Way::forward>(src, len, odd);
+    if (kept.first < 0 || kept.first == len) return {0, 0};
+    kept.end -= plainTrailing(src, len, isOdd);
+    if (len - kept.end == plainSteps) kept.end = scanForOther<Way::backward>(src, kept.end, odd) + 1;
+    return kept;
+}
+
+/// The length of the run of members that the text starts with.
 template <class E>
 int32_t leadingMembers(const E* src, int32_t len, const E* set, int32_t lenSet) {
-    if (len == 0 || plain::indexOf(set, lenSet, src[0]) < 0) return 0;
-    const int32_t first = scanForSet<Way::forward, Seek::miss>(src, len, set, lenSet);
-    return first < 0 ? len : first;
+    const int32_t first =
+        plainLeading(src, len, [=](E element) { return plain::indexOf(set, lenSet, element) >= 0; });
+    if (first < plainSteps) return first;
+    const int32_t more = scanForSet<Way::forward, Seek::miss>(src + first, len - first, set, lenSet);
+    return more < 0 ? len : first + more;
 }
 
 /// The same for its end.
 template <class E>
 int32_t trailingMembers(const E* src, int32_t len, const E* set, int32_t lenSet) {
-    if (len == 0 || plain::indexOf(set, lenSet, src[len - 1]) < 0) return 0;
-    return len - 1 - scanForSet<Way::backward, Seek::miss>(src, len, set, lenSet);
+    const int32_t last =
+        plainTrailing(src, len, [=](E element) { return plain::indexOf(set, lenSet, element) >= 0; });
+    if (last < plainSteps) return last;
+    return len - 1 - scanForSet<Way::backward, Seek::miss>(src, len - last, set, lenSet);
 }
 
 enum class Ends { start, end, both };
 
 template <Ends ends, class E>
-tavStatus trimSet(const E* pSrc, int32_t len, const E* pTrim, int32_t trimLen, E* pDst, int32_t* pDstLen) {
+TAV_FLATTEN tavStatus trimSet(const E* pSrc, int32_t len, const E* pTrim, int32_t trimLen, E* pDst,
+                              int32_t* pDstLen) {
     if (const auto bad = Arguments::pointers(pSrc, pTrim, pDst, pDstLen).lengths(len, trimLen);
         bad.failed()) {
         return bad.status;

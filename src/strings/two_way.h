@@ -96,7 +96,7 @@ int64_t firstOccurrence(View<way, E> text, View<way, E> needle) {
 
 /// The start of the first (forward) or last (backward) occurrence, or -1.
 template <Way way, class E>
-int64_t search(const E* src, int64_t len, const E* find, int64_t lenFind) {
+[[gnu::noinline]] int64_t search(const E* src, int64_t len, const E* find, int64_t lenFind) {
     const int64_t found = firstOccurrence<way, E>({src, len}, {find, lenFind});
     return found < 0 || way == Way::forward ? found : len - lenFind - found;
 }
