@@ -323,14 +323,14 @@ TEST(Robustness, RandomPatterns) {
     std::uniform_int_distribution<std::size_t> pick(0, std::size(fragments) - 1);
     std::uniform_int_distribution<int> length(1, 14);
     int accepted = 0;
-    for (int round = 0; round < 100000; ++round) {
+    for (int round = 0; round < 40000; ++round) {
         std::string text;
         for (int i = length(random); i > 0; --i)
             text += fragments[pick(random)];
         accepted += survives(text, (round & 1) != 0 ? "" : "xs");
         if (testing::Test::HasFailure()) break;
     }
-    EXPECT_GT(accepted, 2500);
+    EXPECT_GT(accepted, 1000);
 }
 
 TEST(Robustness, RandomBytes) {
@@ -339,7 +339,7 @@ TEST(Robustness, RandomBytes) {
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> byte(1, 255);
     std::uniform_int_distribution<int> length(0, 40);
-    for (int round = 0; round < 50000 && !testing::Test::HasFailure(); ++round) {
+    for (int round = 0; round < 20000 && !testing::Test::HasFailure(); ++round) {
         std::string text;
         for (int i = length(random); i > 0; --i)
             text += static_cast<char>(byte(random));
