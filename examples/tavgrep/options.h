@@ -7,14 +7,17 @@
 namespace tavgrep {
 
 struct Options {
-    std::string pattern;
-    std::string patternOptions;     ///< letters for the pattern compiler, of "imsx"
-    std::vector<std::string> files; ///< "-" is the standard input; never empty
+    std::vector<std::string> patterns; ///< in the order given, never empty
+    std::string patternOptions;        ///< letters for the pattern compiler, of "imsx"
+    std::vector<std::string> files;    ///< "-" is the standard input; never empty
     bool lineNumbers = false;
     bool onlyMatches = false;
     bool countOnly = false;
     bool invert = false;
     bool groups = false;
+    bool ids = false;
+    bool replace = false;
+    std::string replacement; ///< the template
     bool color = false;
     bool showNames = false; ///< more than one file was named
 };

@@ -30,6 +30,8 @@ public:
     /// Number of results per match: the whole match and the capturing groups.
     std::size_t resultsPerMatch() const { return resultsPerMatch_; }
 
+    tavRegExpContext* context() { return single_.get(); }
+
     bool matchesIn(Line line);
 
     /// All matches of the line from left to right, resultsPerMatch() spans for each: first the whole match,

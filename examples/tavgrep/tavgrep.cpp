@@ -4,14 +4,16 @@
 // A file is read in blocks and searched line by line. Lines may hold any bytes and are printed as they are.
 #include "lines.h"
 #include "options.h"
-#include "pattern.h"
+#include "patterns.h"
 #include "platform.h"
+#include "replacement.h"
 #include "tavch.h"
 
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -51,17 +53,24 @@ public:
     void startFile(const std::string& name) { name_ = name == "-" ? "(standard input)" : name; }
     const std::string& fileName() const { return name_; }
 
-    /// A selected line with its matches, `perMatch` spans each; none when the selection is inverted.
-    void line(Line line, std::uint64_t number, const std::vector<Span>& matches, std::size_t perMatch) const {
+    /// A selected line with its matches, none when the selection is inverted, and the patterns that match.
+    void line(Line line, std::uint64_t number, const std::vector<Match>& matches,
+              const std::vector<std::size_t>& ids) const {
         if (!options_.onlyMatches) {
-            prefix(number);
-            highlighted(line, matches, perMatch);
+            prefix(number, ids);
+            highlighted(line, matches);
             std::putchar('\n');
         }
-        for (std::size_t i = 0; i < matches.size(); i += perMatch) {
-            if (options_.onlyMatches) onlyMatch(number, matches[i]);
-            if (options_.groups) groups(line, &matches[i], perMatch);
+        for (const Match& match : matches) {
+            if (options_.onlyMatches) onlyMatch(number, ids, match.whole());
+            if (options_.groups) groups(line, match);
         }
+    }
+
+    void replaced(Line text, std::uint64_t number) const {
+        prefix(number, {});
+        bytes(text.text, static_cast<std::size_t>(text.length));
+        std::putchar('\n');
     }
 
     void count(std::uint64_t lines) const {
@@ -84,25 +93,37 @@ private:
         std::putchar(':');
     }
 
-    void prefix(std::uint64_t number) const {
-        fileNamePrefix();
-        if (!options_.lineNumbers) return;
-        const std::string digits = std::to_string(number);
+    void numberPrefix(const std::string& digits) const {
         colored(numberColor, digits.data(), digits.size());
         std::putchar(':');
     }
 
-    void onlyMatch(std::uint64_t number, const Span& match) const {
+    void prefix(std::uint64_t number, const std::vector<std::size_t>& ids) const {
+        fileNamePrefix();
+        if (options_.lineNumbers) numberPrefix(std::to_string(number));
+        if (options_.ids) numberPrefix(joined(ids));
+    }
+
+    static std::string joined(const std::vector<std::size_t>& ids) {
+        std::string all;
+        for (const std::size_t id : ids) {
+            if (!all.empty()) all += ',';
+            all += std::to_string(id);
+        }
+        return all;
+    }
+
+    void onlyMatch(std::uint64_t number, const std::vector<std::size_t>& ids, const Span& match) const {
         if (match.length == 0) return; // nothing to see
-        prefix(number);
+        prefix(number, ids);
         colored(matchColor, match.start, static_cast<std::size_t>(match.length));
         std::putchar('\n');
     }
 
-    void highlighted(Line line, const std::vector<Span>& matches, std::size_t perMatch) const {
+    void highlighted(Line line, const std::vector<Match>& matches) const {
         const std::uint8_t* at = line.text;
-        for (std::size_t i = 0; options_.color && i < matches.size(); i += perMatch) {
-            const Span& match = matches[i];
+        for (std::size_t i = 0; options_.color && i < matches.size(); i++) {
+            const Span& match = matches[i].whole();
             if (match.length == 0) continue;
             bytes(at, static_cast<std::size_t>(match.start - at));
             colored(matchColor, match.start, static_cast<std::size_t>(match.length));
@@ -111,14 +132,15 @@ private:
         bytes(at, static_cast<std::size_t>(line.text + line.length - at));
     }
 
-    static void groups(Line line, const Span* match, std::size_t perMatch) {
-        for (std::size_t i = 0; i < perMatch; i++) {
-            if (match[i].length < 0) {
+    static void groups(Line line, const Match& match) {
+        for (std::size_t i = 0; i < match.count; i++) {
+            const Span& span = match.spans[i];
+            if (span.length < 0) {
                 std::printf("  %zu unset\n", i);
                 continue;
             }
-            std::printf("  %zu at %td: ", i, match[i].start - line.text);
-            bytes(match[i].start, static_cast<std::size_t>(match[i].length));
+            std::printf("  %zu at %td: ", i, span.start - line.text);
+            bytes(span.start, static_cast<std::size_t>(span.length));
             std::putchar('\n');
         }
     }
@@ -129,8 +151,9 @@ private:
 
 class Search {
 public:
-    Search(const Options& options, Pattern& pattern)
-        : options_(options), pattern_(pattern), printer_(options),
+    /// `replacement` is null when lines are to be selected.
+    Search(const Options& options, Patterns& patterns, Replacement* replacement)
+        : options_(options), patterns_(patterns), replacement_(replacement), printer_(options),
           needsMatches_(!options.countOnly && !options.invert &&
                         (options.onlyMatches || options.groups || options.color)) {}
 
@@ -167,7 +190,7 @@ private:
             if (next == LineReader::Next::TooLong)
                 failed(printer_.fileName(),
                        "line " + std::to_string(number) + " is longer than 2 GiB: not searched");
-            else if (select(line, number))
+            else if (replacement_ != nullptr ? replace(line, number) : select(line, number))
                 selected++;
         }
         if (options_.countOnly) printer_.count(selected);
@@ -175,18 +198,24 @@ private:
     }
 
     bool select(Line line, std::uint64_t number) {
-        static const std::vector<Span> none;
-        if (pattern_.matchesIn(line) == options_.invert) return false;
+        static const std::vector<Match> none;
+        if (patterns_.matchesIn(line) == options_.invert) return false;
         if (options_.countOnly) return true;
         const bool nothingToShow = options_.onlyMatches && options_.invert;
         if (!nothingToShow)
-            printer_.line(line, number, needsMatches_ ? pattern_.allMatches(line) : none,
-                          pattern_.resultsPerMatch());
+            printer_.line(line, number, needsMatches_ ? patterns_.allMatches(line) : none,
+                          patterns_.matching());
         return true;
     }
 
+    bool replace(Line line, std::uint64_t number) {
+        printer_.replaced(replacement_->apply(line), number);
+        return replacement_->matched();
+    }
+
     const Options& options_;
-    Pattern& pattern_;
+    Patterns& patterns_;
+    Replacement* const replacement_;
     Printer printer_;
     const bool needsMatches_;
     bool found_ = false;
@@ -195,12 +224,21 @@ private:
 
 ExitStatus search(const Options& options) {
     CompileError error;
-    Pattern pattern(options.pattern, options.patternOptions, error);
+    std::string failed;
+    Patterns patterns(options.patterns, options.patternOptions, error, failed);
     if (error.status != tavStsNoError) {
-        complainAboutPattern(options.pattern, error);
+        complainAboutPattern(failed, error);
         return errorStatus;
     }
-    Search search(options, pattern);
+    std::unique_ptr<Replacement> replacement;
+    if (options.replace)
+        replacement = std::make_unique<Replacement>(options.patterns.front(), options.patternOptions,
+                                                    options.replacement, error);
+    if (error.status != tavStsNoError) {
+        complain("template " + options.replacement, statusName(error.status));
+        return errorStatus;
+    }
+    Search search(options, patterns, replacement.get());
     for (const std::string& name : options.files)
         search.file(name);
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {

@@ -104,6 +104,44 @@ expect "--color=always highlights every match" 0 'B\033[1;31man\033[m\033[1;31ma
 expect "--color=auto is plain in a pipe" 0 'Banana\n' --color=auto anan fruit
 expect "--color takes only known words" 2 '' --color=red an fruit
 
+# Several patterns: grep takes them in its extended language only.
+like_extended_grep() {
+  { grep -aE "$@"; echo "status $?"; } >expected
+  { "${tavgrep[@]}" "$@"; echo "status $?"; } >actual
+  verdict "like grep -E: $*"
+}
+like_extended_grep -e an -e 'the' fruit
+like_extended_grep -ean -ethe fruit
+like_extended_grep -n -v -e an -e the -e '^$' fruit
+like_extended_grep -c -e '^$' -e cherry fruit
+like_extended_grep -n -e '^$' -e Banana fruit
+like_extended_grep -o -e the -e 'an' fruit
+like_extended_grep -ie BANANA -e 'DATE' fruit
+expect "-e leaves the operands to the files" 0 'fruit:Banana\nopen:no line feed at the end\n' -e anan -e 'feed' fruit open
+expect "a pattern may begin with a dash" 0 'date: 2026-11-20, later 2027-01-02\n' -e '-11-' fruit
+expect "-e alone lacks its pattern" 2 '' -e
+expect "--ids shows which patterns match" 0 '1:apple and apricot\n1,3:Banana\n2:the the end\n' --ids -e an -e '^the' -e 'B' fruit
+expect "--ids stands behind the line number" 0 '5:2:\n' -n --ids -e zebra -e '^$' fruit
+expect "--ids with one pattern" 0 '1:Banana\n' --ids anan fruit
+expect "--ids of an inverted selection are empty" 0 ':b\n' -v --ids -e a -e c <<<$'a\nb\nc'
+expect "the leftmost of overlapping matches counts" 0 'anan\n' -o -e nana -e anan <<<Banana
+expect "of matches at one place the longest counts" 0 'anan\n' -o -e an -e anan <<<Banana
+expect "--groups of each pattern" 0 'ab\n  0 at 0: a\n  0 at 1: b\n  1 at 1: b\n' --groups -e a -e '(b)' <<<ab
+expect "matches of several patterns are highlighted" 0 '\033[1;31ma\033[mx\033[1;31mb\033[m\n' --color=always -e b -e a <<<axb
+
+# Replacement.
+expect "-r prints the whole text with every match replaced" 0 'B[an][an]a\nx\n' -r '[$&]' an <<<$'Banana\nx'
+expect "-r with groups" 0 'date: 20.11.2026, later 02.01.2027\n' -r '$3.$2.$1' '(\d+)-(\d+)-(\d+)' <<<'date: 2026-11-20, later 2027-01-02'
+expect "-r with an empty template removes" 0 'Baaa\n' -r '' n <<<Banana
+expect "-r with the options of the pattern" 0 '1:x.n.n.\n' -n -i -r . A <<<xanana
+expect "-r without a match" 1 'Banana\n' -r x z <<<Banana
+expect "-r on an empty line" 0 '<>\na<>\n' -r '<$&>' '$' <<<$'\na'
+expect "-r multiplies digits by eleven" 0 'm!\n' -r '$12!' '(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)(k)(l)(m)' <<<abcdefghijklm
+expect "-r with many and long replacements" 0 "$(printf '0123456789%.0s' $(seq 3000))\\n" -r '0123456789' x <<<"$(printf 'x%.0s' $(seq 3000))"
+expect "-r with a bad template" 2 '' -r '$x' an fruit
+expect "-r takes one pattern" 2 '' -r x -e a -e b fruit
+expect "-r does not select lines" 2 '' -o -r x a fruit
+
 # A bad pattern: the status by name, and a caret under the offset.
 error_of() {
   local name=$1 message=$2
@@ -112,6 +150,8 @@ error_of() {
   "${tavgrep[@]}" "$@" 2>&1 <fruit | tr -d '\r' >actual
   verdict "$name"
 }
+error_of "the bad one of several patterns" 'tavgrep: tavStsPatternSyntax (-186) at offset 2 of the pattern\n  b(\n    ^\n' -e a -e 'b('
+error_of "bad template" 'tavgrep: template $x: tavStsBadGroupReference\n' -r '$x' an
 error_of "open group" 'tavgrep: tavStsPatternSyntax (-186) at offset 4 of the pattern\n  ab(c\n      ^\n' 'ab(c'
 error_of "quantifier at the start" 'tavgrep: tavStsRepeatLimit (-187) at offset 0 of the pattern\n  *a\n  ^\n' '*a'
 error_of "reversed range" 'tavgrep: tavStsBadClass (-184) at offset 4 of the pattern\n  a[z-b]\n      ^\n' 'a[z-b]'
