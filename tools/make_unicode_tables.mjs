@@ -126,12 +126,18 @@ function caseSource(mappings) {
   expect('distinct case blocks', table.blockCount, 33);
   return opening('Unicode 2.0: simple case mappings of the Basic Multilingual Plane. The input has 2.1.9;\n' +
     '// tools/unicode_data.mjs lists the twelve mappings in which 2.0 differs.',
-    '@unicode/unicode-2.1.9', ['"unicode/case_tables.h"']) +
+    '@unicode/unicode-2.1.9', ['<cstdint>']).replace('#include', '#pragma once\n\n#include') +
 `namespace tav::unicode::tables {
 
-${array('uint16_t', 'caseStage1', table.stage1.map((block) => String(block * 64)))}
-${array('uint8_t', 'caseStage2', table.stage2.map(String))}
-${array('uint32_t', 'caseRecords', table.records.map(hex))}
+// record(c) = caseRecords[caseStage2[caseStage1[c >> 6] | (c & 63)]]: stage 1 holds where the unit's block of 64
+// starts in stage 2. Bits 0 to 19 of a record are zero.
+inline constexpr uint32_t caseHasUpper = 1u << 20;
+inline constexpr uint32_t caseHasLower = 1u << 21;
+inline constexpr int caseDeltaShift = 22; // bits 22 to 31: the signed difference, one for both directions
+
+inline ${array('uint16_t', 'caseStage1', table.stage1.map((block) => String(block * 64)))}
+inline ${array('uint8_t', 'caseStage2', table.stage2.map(String))}
+inline ${array('uint32_t', 'caseRecords', table.records.map(hex))}
 } // namespace tav::unicode::tables
 `;
 }
@@ -140,4 +146,4 @@ const directory = process.argv[2];
 if (!directory) throw new Error('usage: node make_unicode_tables.mjs <output directory>');
 writeFileSync(join(directory, 'property_tables.cpp'),
   propertySource(await readRecords(), await readScripts(), await readBlocks()));
-writeFileSync(join(directory, 'case_tables.cpp'), caseSource(readCaseMappings20()));
+writeFileSync(join(directory, 'case_tables.h'), caseSource(readCaseMappings20()));

@@ -1,6 +1,6 @@
-// Case mapping of UTF-16 text. mapUnit is the definition: a look-up in the two-stage table. Beside it stand
-// vector paths for ASCII and for the scripts whose letters lie a fixed distance from their partners or have
-// none: Latin-1, Cyrillic and the caseless ranges, freely mixed.
+// Case mapping of UTF-16 text. The definition is the two-stage table of records; what the loops use is
+// derived from it at compile time: the same stages with a difference per unit, and the mapping itself for the
+// first scripts. Blocks of ASCII and of scripts without case are mapped by vector.
 #include "unicode/case.h"
 
 #include "base/arguments.h"
@@ -8,103 +8,162 @@
 #include "unicode/case_tables.h"
 #include "unicode/patience.h"
 
+#include <array>
+#include <iterator>
+
 namespace tav::unicode {
 
 namespace {
 
 using Units = Vector<uint16_t>;
 
-uint32_t caseRecord(uint32_t unit) {
-    return tables::caseRecords[tables::caseStage2[tables::caseStage1[unit >> 6] | (unit & 63)]];
-}
+// ------------------------------------------------------------------------------------------- the definition
 
-int32_t caseDelta(uint32_t record) {
+constexpr int32_t caseDelta(uint32_t record) {
     return static_cast<int32_t>(record) >> tables::caseDeltaShift;
 }
 
-/// `distance` in the lanes whose unit lies in first..last.
-Units shiftOf(Units block, uint16_t first, uint16_t last, uint16_t distance) {
-    return VectorRange<uint16_t>(first, last).contains(block) & Units::splat(distance);
+/// The difference from a unit with this record to its lower and to its upper case.
+constexpr int32_t lowerDelta(uint32_t record) {
+    return (record & tables::caseHasLower) != 0 ? caseDelta(record) : 0;
 }
 
-Units isUnit(Units block, uint16_t unit) {
-    return block.equal(Units::splat(unit));
+constexpr int32_t upperDelta(uint32_t record) {
+    return (record & tables::caseHasUpper) != 0 ? -caseDelta(record) : 0;
+}
+
+// --------------------------------------------------------------------------------------- the derived tables
+
+/// Stage 2 with a difference in the place of each index of a record.
+using Deltas = std::array<int16_t, std::size(tables::caseStage2)>;
+
+template <class DeltaOf>
+constexpr Deltas makeDeltas(DeltaOf deltaOf) {
+    Deltas deltas = {};
+    for (std::size_t i = 0; i < deltas.size(); ++i)
+        deltas[i] = static_cast<int16_t>(deltaOf(tables::caseRecords[tables::caseStage2[i]]));
+    return deltas;
+}
+
+constexpr uint16_t mapByDelta(const Deltas& deltas, uint32_t unit) {
+    const int16_t delta = deltas[tables::caseStage1[unit >> 6] | (unit & 63)];
+    return static_cast<uint16_t>(unit + static_cast<uint32_t>(delta));
+}
+
+/// The mapping itself for the units below a bound: Latin, Greek, Cyrillic, Armenian, Hebrew.
+constexpr uint16_t directEnd = 0x600;
+using Direct = std::array<uint16_t, directEnd>;
+
+constexpr Direct makeDirect(const Deltas& deltas) {
+    Direct direct = {};
+    for (uint32_t unit = 0; unit < directEnd; ++unit)
+        direct[unit] = mapByDelta(deltas, unit);
+    return direct;
+}
+
+// ---------------------------------------------------------------------------------------------- eight units
+
+/// All ones in the lanes whose unit lies in first..last.
+Units within(Units block, uint16_t first, uint16_t last) {
+    const auto bias = static_cast<uint16_t>(0x8000 - first); // takes the range to the smallest signed numbers
+    const auto limit = static_cast<short>(last - first + 1 - 0x8000);
+    return {_mm_cmplt_epi16((block + Units::splat(bias)).raw, _mm_set1_epi16(limit))};
 }
 
 struct Lower {
-    static uint16_t mapUnit(uint32_t unit) {
-        const uint32_t record = caseRecord(unit);
-        if ((record & tables::caseHasLower) == 0) return static_cast<uint16_t>(unit);
-        return static_cast<uint16_t>(static_cast<int32_t>(unit) + caseDelta(record));
-    }
-
-    static Units mapAscii(Units block) { return block + shiftOf(block, 'A', 'Z', 32); }
-
-    /// For the units that inFixedDistance accepts.
-    static Units mapFixedDistance(Units block) {
-        const Units latin = shiftOf(block, 0xC0, 0xDE, 32).without(isUnit(block, 0xD7));
-        const Units cyrillic = shiftOf(block, 0x410, 0x42F, 32);
-        const Units extended = shiftOf(block, 0x401, 0x40F, 80).without(isUnit(block, 0x40D));
-        return mapAscii(block) + (latin | cyrillic | extended);
-    }
+    static constexpr Deltas deltas = makeDeltas(lowerDelta);
+    static constexpr Direct direct = makeDirect(deltas);
+    static Units mapAscii(Units block) { return block + (within(block, 'A', 'Z') & Units::splat(32)); }
 };
 
 struct Upper {
-    static uint16_t mapUnit(uint32_t unit) {
-        const uint32_t record = caseRecord(unit);
-        if ((record & tables::caseHasUpper) == 0) return static_cast<uint16_t>(unit);
-        return static_cast<uint16_t>(static_cast<int32_t>(unit) - caseDelta(record));
-    }
-
-    static Units mapAscii(Units block) { return block - shiftOf(block, 'a', 'z', 32); }
-
-    static Units mapFixedDistance(Units block) {
-        const Units latin = shiftOf(block, 0xE0, 0xFE, 32).without(isUnit(block, 0xF7));
-        const Units yDiaeresis = isUnit(block, 0xFF) & Units::splat(static_cast<uint16_t>(0xFF - 0x178));
-        const Units cyrillic = shiftOf(block, 0x430, 0x44F, 32);
-        const Units extended = shiftOf(block, 0x451, 0x45F, 80).without(isUnit(block, 0x45D));
-        return mapAscii(block) - (latin | yDiaeresis | cyrillic | extended);
-    }
+    static constexpr Deltas deltas = makeDeltas(upperDelta);
+    static constexpr Direct direct = makeDirect(deltas);
+    static Units mapAscii(Units block) { return block - (within(block, 'a', 'z') & Units::splat(32)); }
 };
 
-/// Are all units Latin-1, basic Cyrillic, or in one of the large ranges without case?
-bool inFixedDistance(Units block) {
-    const Units latin = block.atMost(Units::splat(0xFF));
-    const Units cyrillic = VectorRange<uint16_t>(0x400, 0x45F).contains(block);
-    const Units punctuation = VectorRange<uint16_t>(0x2000, 0x20FF).contains(block);
-    const Units asian = VectorRange<uint16_t>(0x2E80, 0xFEFF).contains(block); // to the surrogates and beyond
-    return (latin | cyrillic | punctuation | asian).lanes().all();
+bool isAscii(Units block) {
+    return (block & Units::splat(0xFF80)).equal(Units::zero()).lanes().all();
 }
 
-/// Maps eight units by vector; false when some of them need the table.
+/// Are all units ASCII or in the largest range without case mappings (kana, ideographs, Hangul, surrogates,
+/// private use)?
+bool isAsciiOrCaseless(Units block) {
+    return (within(block, 0, 0x7F) | within(block, 0x24EA, 0xFF20)).lanes().all();
+}
+
+bool isDirect(Units block) {
+    return block.atMost(Units::splat(directEnd - 1)).lanes().all();
+}
+
 template <class Case>
-bool mapBlock(Units block, Units& mapped) {
-    if (block.atMost(Units::splat(0x7F)).lanes().all()) {
-        mapped = Case::mapAscii(block);
-        return true;
+void mapDirectly(const uint16_t* from, uint16_t* to) {
+    for (int i = 0; i < Units::size; ++i)
+        to[i] = Case::direct[from[i]];
+}
+
+template <class Case>
+uint16_t mapUnit(uint16_t unit) {
+    return mapByDelta(Case::deltas, unit);
+}
+
+// --------------------------------------------------------------------------------------------- whole strings
+
+/// Where work goes on.
+struct Place {
+    const uint16_t* src;
+    uint16_t* dst;
+};
+
+/// Maps blocks of ASCII and caseless units as far as they go.
+template <class Case>
+Place mapVectors(Place at, const uint16_t* end) {
+    for (; end - at.src >= Units::size; at = {at.src + Units::size, at.dst + Units::size}) {
+        const Units block = Units::load(at.src);
+        if (!isAscii(block) && !isAsciiOrCaseless(block)) break;
+        Case::mapAscii(block).store(at.dst);
     }
-    if (!inFixedDistance(block)) return false;
-    mapped = Case::mapFixedDistance(block);
-    return true;
+    return at;
+}
+
+/// Maps blocks of the first scripts as far as they go, or until two in succession are ASCII.
+template <class Case>
+Place mapFirstScripts(Place at, const uint16_t* end) {
+    int asciiBlocks = 0;
+    for (; end - at.src >= Units::size && asciiBlocks < 2;
+         at = {at.src + Units::size, at.dst + Units::size}) {
+        const Units block = Units::load(at.src);
+        if (!isDirect(block)) break;
+        asciiBlocks = (asciiBlocks + 1) * isAscii(block); // no branch: it could not be predicted
+        mapDirectly<Case>(at.src, at.dst);
+    }
+    return at;
+}
+
+template <class Case>
+Place mapPlainly(Place at, const uint16_t* end, std::ptrdiff_t units) {
+    const uint16_t* const stop = end - at.src > units ? at.src + units : end;
+    while (at.src != stop)
+        *at.dst++ = mapUnit<Case>(*at.src++);
+    return at;
 }
 
 template <class Case>
 void mapAll(const uint16_t* src, uint16_t* dst, int32_t len) {
+    const uint16_t* const end = src + len;
+    Place at = {src, dst};
     Patience patience;
-    int32_t i = 0;
-    while (len - i >= Units::size) {
-        Units mapped;
-        if (mapBlock<Case>(Units::load(src + i), mapped)) {
-            mapped.store(dst + i);
-            i += Units::size;
-            patience.afterSuccess(8);
-            continue;
+    while (end - at.src >= Units::size) {
+        const uint16_t* const before = at.src;
+        at = mapVectors<Case>(at, end);
+        at = mapFirstScripts<Case>(at, end);
+        if (at.src != before) {
+            patience.afterSuccess(at.src - before);
+        } else {
+            at = mapPlainly<Case>(at, end, patience.afterFailure());
         }
-        for (int left = patience.afterFailure(); left > 0 && i < len; --left, ++i)
-            dst[i] = Case::mapUnit(src[i]);
     }
-    for (; i < len; ++i)
-        dst[i] = Case::mapUnit(src[i]);
+    mapPlainly<Case>(at, end, end - at.src);
 }
 
 template <class Case>
@@ -115,37 +174,30 @@ tavStatus map(const uint16_t* src, uint16_t* dst, int32_t len) {
 }
 
 int32_t foldedDifference(uint16_t left, uint16_t right) {
-    return Lower::mapUnit(left) - Lower::mapUnit(right);
+    return mapUnit<Lower>(left) - mapUnit<Lower>(right);
 }
 
-/// The index of the first pair at or after `i` that still differs in lower case, or `len`.
-int32_t findFoldedDifference(const uint16_t* src1, const uint16_t* src2, int32_t i, int32_t len) {
-    while (i < len && foldedDifference(src1[i], src2[i]) == 0)
-        ++i;
-    return i;
-}
-
-/// The same for the eight pairs from `i` on; `i + 8` when they are equal.
-int32_t compareBlock(const uint16_t* src1, const uint16_t* src2, int32_t i) {
-    const Units left = Units::load(src1 + i);
-    const Units right = Units::load(src2 + i);
-    if (left.equal(right).lanes().all()) return i + Units::size;
-    Units foldedLeft, foldedRight;
-    if (!mapBlock<Lower>(left, foldedLeft) || !mapBlock<Lower>(right, foldedRight))
-        return findFoldedDifference(src1, src2, i, i + Units::size);
-    const auto differing = foldedLeft.equal(foldedRight).lanes().inverse();
-    return i + (differing.any() ? differing.first() : Units::size);
+/// Do the lower cases of eight pairs differ?
+bool differFolded(const uint16_t* src1, const uint16_t* src2) {
+    const Units left = Units::load(src1);
+    const Units right = Units::load(src2);
+    if (left.equal(right).lanes().all()) return false;
+    if (isAscii(left | right)) return !Lower::mapAscii(left).equal(Lower::mapAscii(right)).lanes().all();
+    const bool direct = isDirect(left.max(right));
+    int differences = 0;
+    for (int i = 0; i < Units::size; ++i)
+        differences |= direct ? Lower::direct[src1[i]] ^ Lower::direct[src2[i]]
+                              : mapUnit<Lower>(src1[i]) ^ mapUnit<Lower>(src2[i]);
+    return differences != 0;
 }
 
 int32_t compareAll(const uint16_t* src1, const uint16_t* src2, int32_t len) {
     int32_t i = 0;
-    while (len - i >= Units::size) {
-        const int32_t next = compareBlock(src1, src2, i);
-        if (next != i + Units::size) return foldedDifference(src1[next], src2[next]);
-        i = next;
-    }
-    i = findFoldedDifference(src1, src2, i, len);
-    return i == len ? 0 : foldedDifference(src1[i], src2[i]);
+    while (len - i >= Units::size && !differFolded(src1 + i, src2 + i))
+        i += Units::size;
+    for (; i < len; ++i)
+        if (const int32_t difference = foldedDifference(src1[i], src2[i]); difference != 0) return difference;
+    return 0;
 }
 
 } // namespace

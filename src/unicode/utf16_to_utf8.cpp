@@ -293,7 +293,7 @@ Position convertBelowPairs(Position at, Position end) {
         }
         const auto shorter = block.atMost(Units::splat(0x7FF)).lanes();
         if (shorter.all()) {
-            asciiBlocks = isAscii(block) ? asciiBlocks + 1 : 0;
+            asciiBlocks = (asciiBlocks + 1) * isAscii(block); // no branch: it could not be predicted
             at.out += storeUpToTwoBytes(at.out, block);
         } else if (shorter.any()) {
             at.out += storeUpToThreeBytes(at.out, block, 8);

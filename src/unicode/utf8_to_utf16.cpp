@@ -211,7 +211,7 @@ Position convertRunUpTo(Position at, Position end) {
         if (!progress.whole) break;
         const bool suitsAnother =
             classes.nonAscii == 0 || (three && (classes.nonAscii == 0xFFFF || classes.leads3 == 0));
-        unmixed = suitsAnother ? unmixed + 1 : 0;
+        unmixed = (unmixed + 1) * suitsAnother; // no branch: it could not be predicted
     }
     return at;
 }
