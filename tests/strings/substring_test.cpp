@@ -107,24 +107,48 @@ TYPED_TEST(SubstringTest, TextsFullOfNearOccurrencesAgreeWithThePlainLoop) {
     }
 }
 
+TYPED_TEST(SubstringTest, TheLinearSearchTakesOverWhereComparisonsCostTooMuch) {
+    using E = TypeParam;
+    // Long needles are sampled for anchors; the one odd element is where no sample falls, so that every start
+    // in a run of "a" is compared as far as it.
+    for (const std::size_t needleCount : {150U, 700U}) {
+        for (const std::size_t odd : {needleCount / 2 + 1, needleCount / 3}) {
+            std::vector<E> needle(needleCount, 'a');
+            needle[odd] = 'b';
+            const auto [first, second] = tav::substring::rarestAnchors(needle.data(), length(needle));
+            ASSERT_EQ(needle[static_cast<std::size_t>(first)], 'a');
+            ASSERT_EQ(needle[static_cast<std::size_t>(second)], 'a');
+            std::vector<E> src(12000, 'a');
+            for (const std::ptrdiff_t at : {-1, 0, 40, 5000, 6000, 11300}) { // -1: nowhere
+                if (at >= 0) std::copy(needle.begin(), needle.end(), src.begin() + at);
+                const auto len = length(src), lenFind = length(needle);
+                ASSERT_EQ(tav::indexOf(src.data(), len, needle.data(), lenFind),
+                          tav::plain::indexOf(src.data(), len, needle.data(), lenFind));
+                ASSERT_EQ(tav::lastIndexOf(src.data(), len, needle.data(), lenFind),
+                          tav::plain::lastIndexOf(src.data(), len, needle.data(), lenFind));
+                if (at >= 0) std::fill_n(src.begin() + at, needleCount, E{'a'});
+            }
+        }
+    }
+}
+
 TYPED_TEST(SubstringTest, TheWorstTextsCostLinearTime) {
     using E = TypeParam;
-    // Compared start by start these would cost 10^11 steps; linear search takes some milliseconds.
-    const std::size_t count = 1U << 20, needleCount = 100000;
-    const std::vector<E> src(count, 'a');
-    for (const std::size_t odd : {std::size_t{0}, needleCount / 2, needleCount - 1}) {
-        std::vector<E> needle(needleCount, 'a');
-        needle[odd] = 'b';
-        std::vector<E> text = src;
-        for (std::size_t i = odd; i < count; i += needleCount + 1) {
-            text[i] = 'b';
+    // Compared start by start these would cost more than 10^11 steps; linear search takes some milliseconds.
+    const std::size_t count = 1U << 21, needleCount = 700001, odd = needleCount / 2;
+    std::vector<E> src(count, 'a'), needle(needleCount, 'a');
+    needle[odd] = 'b';
+    const auto [first, second] = tav::substring::rarestAnchors(needle.data(), length(needle));
+    ASSERT_EQ(needle[static_cast<std::size_t>(first)], needle[static_cast<std::size_t>(second)]);
+    for (const bool withOddElements : {false, true}) {
+        if (withOddElements) {
+            for (std::size_t i = 5; i < count; i += needleCount / 2) {
+                src[i] = 'b';
+            }
         }
-        text[count - 1] = 'b';
         const auto begin = std::chrono::steady_clock::now();
-        tav::indexOf(text.data(), length(text), needle.data(), length(needle));
-        tav::lastIndexOf(text.data(), length(text), needle.data(), length(needle));
-        tav::indexOf(src.data(), length(src), needle.data(), length(needle));
-        tav::lastIndexOf(src.data(), length(src), needle.data(), length(needle));
+        EXPECT_EQ(tav::indexOf(src.data(), length(src), needle.data(), length(needle)), -1);
+        EXPECT_EQ(tav::lastIndexOf(src.data(), length(src), needle.data(), length(needle)), -1);
         const auto spent = std::chrono::steady_clock::now() - begin;
         EXPECT_LT(std::chrono::duration<double>(spent).count(), 2.0);
     }
