@@ -32,7 +32,7 @@ int32_t usableLength(const tavRegExpContext& context, const uint8_t* subject, in
     const int32_t textLength = isByte ? 1 : literal.b;
     if (textLength == 0) return length;
     int32_t at = -1;
-    if (literal.c & optionCaseless) {
+    if (static_cast<uint32_t>(literal.c) & optionCaseless) {
         at = lastIndexCaseless(subject, length, text, textLength);
     } else if (isByte) {
         at = lastIndexOf(subject, length, byte);
