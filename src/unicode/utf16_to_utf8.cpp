@@ -135,7 +135,7 @@ __m128i highToLow(__m128i vector) {
 /// Converts ASCII, 32 units and then 8 at a time, as far as it goes.
 template <bool bigEndian>
 Position convertAsciiRun(Position at, Position end) {
-    const auto load = [&at](int i) { return loadUnits<bigEndian>(at.source + 8 * i); };
+    const auto load = [&at](std::ptrdiff_t i) { return loadUnits<bigEndian>(at.source + 8 * i); };
     while (has(at, end, 32, 32)) {
         const Units blocks[] = {load(0), load(1), load(2), load(3)};
         if (!isAscii(blocks[0] | blocks[1] | blocks[2] | blocks[3])) break;
@@ -330,7 +330,7 @@ Position convertPairRun(Position at, Position end) {
         Vector<uint8_t>{encodePairs(lanes)}.store(at.out);
         const auto lanesValid = static_cast<uint32_t>(_mm_movemask_epi8(valid));
         if (lanesValid != 0xFFFF) {
-            const int32_t count = std::countr_one(lanesValid) / 4;
+            const std::ptrdiff_t count = std::countr_one(lanesValid) / 4;
             at = {at.source + 2 * count, at.out + 4 * count};
             break;
         }

@@ -47,10 +47,10 @@ template <bool bigEndian>
         } else {
             if (end.out - at.out < 2) break;
             const uint32_t value = sequence.value - 0x10000;
-            const auto high =
-                static_cast<uint16_t>(0xD800 | (value >> 10 & 0x3FF)); // above U+10FFFF it wraps
+            const auto high = static_cast<uint16_t>(0xD800 | (value >> 10 & 0x3FF)); // U+110000 wraps
             const auto low = static_cast<uint16_t>(0xDC00 | (value & 0x3FF));
-            *at.out++ = bigEndian ? low : high; // deliberate: a big-endian pair changes places, not its bytes
+            // Deliberate: of a big-endian pair the units change places and keep their bytes.
+            *at.out++ = bigEndian ? low : high;
             *at.out++ = bigEndian ? high : low;
         }
         at.source += sequence.length;
@@ -65,7 +65,7 @@ template <bool bigEndian>
 // (before a pair).
 constexpr std::ptrdiff_t farBytes = 48;
 constexpr std::ptrdiff_t farUnits = 17;
-static_assert(farBytes >= 3 * 16 && farUnits > 16);
+static_assert(farBytes >= 48 && farUnits > 16);
 
 template <bool bigEndian>
 Units inOrder(Units units) {
@@ -235,7 +235,9 @@ struct Decoded {
     bool allValid() const { return _mm_movemask_epi8(valid) == 0xFFFF; }
 
     /// The valid lanes before the first that is not.
-    int32_t count() const { return std::countr_one(static_cast<uint32_t>(_mm_movemask_epi8(valid))) / 4; }
+    std::ptrdiff_t count() const {
+        return std::countr_one(static_cast<uint32_t>(_mm_movemask_epi8(valid))) / 4;
+    }
 };
 
 __m128i bitsOf(__m128i lanes, int mask) {
@@ -278,7 +280,7 @@ Position convertThreeByteRun(Position at, Position end) {
         const Decoded second = decodeThreeBytes(loadThreeByteLanes(at.source + 12));
         inOrder<bigEndian>(narrow(first.values, second.values)).store(at.out);
         if (!first.allValid() || !second.allValid()) {
-            const int32_t count = first.allValid() ? 4 + second.count() : first.count();
+            const std::ptrdiff_t count = first.allValid() ? 4 + second.count() : first.count();
             at.source += 3 * count;
             at.out += count;
             break;
@@ -318,7 +320,7 @@ Position convertAsciiRun(Position at, Position end) {
         const Bytes blocks[] = {Bytes::load(at.source), Bytes::load(at.source + 16),
                                 Bytes::load(at.source + 32), Bytes::load(at.source + 48)};
         if ((blocks[0] | blocks[1] | blocks[2] | blocks[3]).lanes().any()) break;
-        for (int i = 0; i < 4; ++i)
+        for (std::ptrdiff_t i = 0; i < 4; ++i)
             storeAscii<bigEndian>(blocks[i], at.out + 16 * i);
         at.source += 64;
         at.out += 64;
@@ -365,8 +367,8 @@ Position convertAsciiTail(Position at, Position start, Position end) {
     if (left == 0 || left > 16 || end.source - start.source < 16 || end.out - at.out < left) return at;
     const Bytes block = Bytes::load(end.source - 16);
     if (block.lanes().any()) return at;
-    storeAscii<bigEndian>(block,
-                          at.out + left - 16); // all of it has a unit for each byte, so the places agree
+    // All of the block has a unit for each byte, so the places agree.
+    storeAscii<bigEndian>(block, at.out + left - 16);
     return {end.source, at.out + left};
 }
 
