@@ -90,7 +90,7 @@ void findClassRun(Plan& plan) {
     plan.classRun = ByteRanges::covering(members);
     plan.classRunMinimum = node->min;
     if (!plan.classRun.exact) return;
-    if (plan.nodes[0].next == plan.program.length && plan.program.groupCount == 1) {
+    if (node == plan.nodes && node->next == plan.program.length) {
         plan.isClassRun = true;
     } else if (node->has(traitPossessive) && node->has(traitLeading)) {
         plan.runFollows = ByteRanges::covering(firstBytesFrom(plan, node->next).bytes);

@@ -25,6 +25,7 @@ enum Sort : uint32_t {
     sortIteration,     // an iteration of a loop: its alternatives, then going on without it
     sortEnterLazily,   // a lazy loop passed over: enter it after all
     sortIterateLazily, // a lazy loop left: another iteration after all
+    sortAtomicDone,    // an iteration of an atomic loop whose body has matched
     sortBody,          // the body of a lookaround or atomic group is being matched
     sortSlot,          // the former value of a result slot
 };
@@ -142,11 +143,11 @@ template <class Nodes>
 std::size_t Machine<Nodes>::nextCapacity() const {
     constexpr std::size_t forDefaultLimit = 15'000; // 24 bytes for each of 10,000 levels
     constexpr std::size_t reserve = 65'536;         // of the thread's stack, for whatever is called from here
-    const std::size_t needed = static_cast<std::size_t>(matchLimit_) * 3 / 2 + 16;
+    const std::size_t byLimit = static_cast<std::size_t>(matchLimit_) * 3 / 2 + 16;
     const auto present = static_cast<std::size_t>(stackEnd_ - stack_) + 2;
     std::size_t capacity = 2 * present > forDefaultLimit ? 2 * present : forDefaultLimit;
-    if (capacity > needed) capacity = needed;
-    if (capacity <= present) return 0;
+    // More than the limit accounts for are only captures kept from atomic groups and lookarounds in loops.
+    if (present < byLimit && capacity > byLimit) capacity = byLimit;
     if (capacity <= forDefaultLimit) return capacity;
     const std::size_t room = stackRoom();
     if (room < reserve) return 0;
@@ -629,9 +630,13 @@ bool Machine<Nodes>::enterLazily(Registers& r) {
 template <class Nodes>
 auto Machine<Nodes>::leaveLoop(Registers& r, const Node& node) -> Step {
     if (!hasRoom(r, 3)) return Step::full;
-    const Record* iteration = stack_ + plan_.brackets[node.index].record;
-    const int32_t count = replacedBy(const_cast<Record*>(iteration)).count;
-    const int32_t began = iteration->at;
+    Record* const iteration = stack_ + plan_.brackets[node.index].record;
+    return endIteration(r, node, iteration->at, replacedBy(iteration).count);
+}
+
+/// Iteration `count`, begun at `began`, is complete.
+template <class Nodes>
+auto Machine<Nodes>::endIteration(Registers& r, const Node& node, int32_t began, int32_t count) -> Step {
     if (node.has(traitCapture)) {
         Capture& slot = captures_[node.slot];
         if (node.has(traitSaveEnd)) *++r.top = {what(sortSlot, node.slot), slot.start, slot.length, 0};
@@ -728,18 +733,10 @@ auto Machine<Nodes>::enterAtomic(Registers& r, const Node& node) -> Step {
 /// The body has matched: its choices are dropped and its levels given back.
 template <class Nodes>
 auto Machine<Nodes>::leaveBody(Registers& r, const Node& closing) -> Step {
+    if (!hasRoom(r, 3)) return Step::full;
     const auto& node = nodes_[closing.other];
     Record* const mark = stack_ + bracket(node).record;
-    if (node.kind == Kind::atomicLoop) {
-        mark->bound = noNode;
-        r.levels = mark->levels;
-        if (node.has(traitInner)) {
-            keepSlots(r, mark + 1);
-        } else {
-            r.top = mark;
-        }
-        return leaveLoop(r, closing);
-    }
+    if (node.kind == Kind::atomicLoop) return leaveAtomicIteration(r, closing, mark);
     r.levels = mark->levels;
     if (node.kind == Kind::look) r.p = begin_ + mark->at;
     if (!node.has(traitInner)) {
@@ -753,6 +750,36 @@ auto Machine<Nodes>::leaveBody(Registers& r, const Node& closing) -> Step {
     if (node.next == noNode || !mayEndAt(r.p, node.next)) return Step::fail;
     r.pc = node.next;
     return Step::go;
+}
+
+/// Nothing can go back into the iteration, so one record is enough to give it up as a whole.
+template <class Nodes>
+auto Machine<Nodes>::leaveAtomicIteration(Registers& r, const Node& closing, Record* iteration) -> Step {
+    const Record complete = *iteration;
+    const int32_t count = replacedBy(iteration).count;
+    Record* const done = iteration - 1;
+    if (closing.has(traitInner)) {
+        keepSlots(r, iteration + 1);
+        std::memmove(iteration, iteration + 1, static_cast<std::size_t>(r.top - iteration) * sizeof(Record));
+        --r.top;
+    } else {
+        r.top = done;
+    }
+    *done = {what(sortAtomicDone, closing.other), complete.at, count, complete.levels};
+    r.levels = complete.levels;
+    return endIteration(r, closing, complete.at, count);
+}
+
+/// Gives up the last iteration of an atomic loop.
+template <class Nodes>
+bool Machine<Nodes>::giveUpIteration(Registers& r) {
+    const Record record = *r.top--;
+    const auto& node = nodes_[nodeOf(record)];
+    if (node.has(traitLazy) || record.bound - 1 < node.min) return false;
+    r.p = begin_ + record.at;
+    r.pc = node.next;
+    r.levels = record.levels + (record.bound > 1 ? 1 : 0);
+    return true;
 }
 
 template <class Nodes>
@@ -842,6 +869,9 @@ bool Machine<Nodes>::backtrack(Registers& r) {
             break;
         case sortIterateLazily:
             resumed = iterateLazily(r);
+            break;
+        case sortAtomicDone:
+            resumed = giveUpIteration(r);
             break;
         case sortBody:
             resumed = bodyFailed(r);

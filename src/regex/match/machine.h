@@ -108,9 +108,11 @@ private:
     TAV_HOT Step leaveGroup(Registers& r, const Node& node);
     TAV_HOT Step enterLoop(Registers& r, const Node& node);
     TAV_HOT Step leaveLoop(Registers& r, const Node& node);
+    TAV_HOT Step endIteration(Registers& r, const Node& node, int32_t began, int32_t count);
     Step enterLook(Registers& r, const Node& node);
     TAV_HOT Step enterAtomic(Registers& r, const Node& node);
     Step leaveBody(Registers& r, const Node& node);
+    Step leaveAtomicIteration(Registers& r, const Node& closing, Record* iteration);
     TAV_HOT void pushIteration(Registers& r, const Node& node, int32_t opener, int32_t count);
 
     TAV_HOT bool backtrack(Registers& r);
@@ -121,6 +123,7 @@ private:
     TAV_HOT bool enterLazily(Registers& r);
     TAV_HOT bool iterateLazily(Registers& r);
     bool bodyFailed(Registers& r);
+    bool giveUpIteration(Registers& r);
 
     TAV_HOT void restoreSlot(const Record& record);
     TAV_HOT void undo(Record*& top);

@@ -155,9 +155,9 @@ private:
         return noNode;
     }
 
-    /// The first alternation at the very start fills the buckets.
+    /// The first alternation met fills the buckets.
     void alternatives(int32_t pc, int32_t marker, int32_t offset) {
-        const bool apart = !apart_ && offset == 0 && marker != noNode;
+        const bool apart = !apart_ && marker != noNode;
         apart_ = apart_ || apart;
         walk(pc, offset);
         for (; marker != noNode; marker = plan_.nodes[marker].link) {
