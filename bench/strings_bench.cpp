@@ -210,6 +210,11 @@ void addStringSearches(int32_t size) {
         add<E>("findRev", text, "loop", size, [=] {
             return tav::plain::lastIndexOf(opaque(src.data()), opaque(size), find.data(), lenFind);
         });
+        auto srcZ = src, findZ = find;
+        srcZ.push_back(0);
+        findZ.push_back(0);
+        add<E>("find_Z", text, "tavch", size,
+               [=] { return indexBy(Api<E>::findZ, opaque(srcZ.data()), findZ.data()); });
         if constexpr (sizeof(E) == 1) {
             add<E>("find", text, "string_view", size, [=] {
                 return std::string_view(reinterpret_cast<const char*>(opaque(src.data())),
@@ -221,11 +226,6 @@ void addStringSearches(int32_t size) {
                 return memmem(opaque(src.data()), static_cast<std::size_t>(size), find.data(), find.size());
             });
 #endif
-            auto srcZ = src, findZ = find;
-            srcZ.push_back(0);
-            findZ.push_back(0);
-            add<E>("find_Z", text, "tavch", size,
-                   [=] { return indexBy(Api<E>::findZ, opaque(srcZ.data()), findZ.data()); });
             add<E>("find_Z", text, "strstr", size, [=] {
                 return std::strstr(reinterpret_cast<const char*>(opaque(srcZ.data())),
                                    reinterpret_cast<const char*>(findZ.data()));

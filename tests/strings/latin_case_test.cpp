@@ -48,7 +48,7 @@ TYPED_TEST(LatinCaseTest, EveryElementValueFollowsTheRule) {
     for (std::size_t i = 0; i < all.size(); ++i) {
         all[i] = static_cast<E>(i);
     }
-    for (const auto& direction : this->directions) {
+    for (const auto& direction : TestFixture::directions) {
         ASSERT_EQ(direction.copy(all.data(), dst.data(), length(all)), tavStsNoError);
         for (std::size_t i = 0; i < all.size(); ++i) {
             ASSERT_EQ(dst[i], direction.rule(static_cast<E>(i)));
@@ -58,7 +58,7 @@ TYPED_TEST(LatinCaseTest, EveryElementValueFollowsTheRule) {
 
 TYPED_TEST(LatinCaseTest, PointersAreTestedBeforeTheLengthAndNothingIsWritten) {
     using E = TypeParam;
-    for (const auto& direction : this->directions) {
+    for (const auto& direction : TestFixture::directions) {
         for (int nulls = 0; nulls < 4; ++nulls) {
             for (const int32_t len : {-1, 0, 1}) {
                 const E src[1] = {'*'};
@@ -82,7 +82,7 @@ TYPED_TEST(LatinCaseTest, EveryLengthAndPlaceAgreesWithTheRuleInPlaceToo) {
     for (std::size_t count = 0; count <= 300; ++count) {
         const auto src = random.text<E>(count, 70, '<');
         const auto len = static_cast<int32_t>(count);
-        for (const auto& direction : this->directions) {
+        for (const auto& direction : TestFixture::directions) {
             std::vector<E> expected = src;
             std::transform(expected.begin(), expected.end(), expected.begin(), direction.rule);
             atEveryPlace(src, from, [&](E* place) {

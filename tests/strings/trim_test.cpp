@@ -162,7 +162,8 @@ TYPED_TEST(TrimTest, EveryLengthAndPlaceAgreesWithThePlainLoop) {
                                            : static_cast<E>('!' + random.below(30));
         }
         const E* setAt = setBuffer.copyToTail(set.data(), set.size());
-        const auto [first, last] = membersAtEnds(src, set);
+        const auto ends = membersAtEnds(src, set);
+        const std::size_t first = ends.first, last = ends.second;
         const std::size_t both = first == count ? count : first + last;
         const struct {
             decltype(Api<E>::trimAny) form;
@@ -194,7 +195,8 @@ TYPED_TEST(TrimTest, LongRunsOfOneElementAgreeWithThePlainLoop) {
         for (uint32_t others = random.below(4); others > 0 && count != 0; --others) {
             src[random.below(static_cast<uint32_t>(count))] = 0x20 + 1;
         }
-        const auto [first, last] = membersAtEnds(src, text<E>(" "));
+        const auto ends = membersAtEnds(src, text<E>(" "));
+        const std::size_t first = ends.first, last = ends.second;
         const std::size_t kept = first == count ? 0 : count - first - last;
         atEveryPlace(src, from, [&](E* place) {
             int32_t dstLen = untouched;
