@@ -3,12 +3,14 @@
 #include "regex/match/class_runs.h"
 #include "regex/match/first_bytes.h"
 
+#include <algorithm>
+
 namespace tav::regex {
 
 namespace {
 
 bool isRepeat(const Node& node) {
-    return node.kind == Kind::greedy || node.kind == Kind::lazy;
+    return isGreedy(node) || node.kind == Kind::lazy;
 }
 
 /// The byte that must stand at `pc`, or -1.
@@ -65,33 +67,40 @@ void analyseLeadingRun(Plan& plan) {
     plan.leadingIsBytewise = node.has(traitSingle);
 }
 
+void dropTrait(Node& node, Trait trait) {
+    node.traits = static_cast<uint16_t>(node.traits & ~trait);
+}
+
+/// Can a match do without what the bracket at `pc` holds, or without some of it?
+bool mayBePassedBy(const Plan& plan, int32_t pc) {
+    const Node& node = plan.nodes[pc];
+    switch (node.kind) {
+    case Kind::loop:
+    case Kind::look:
+    case Kind::atomic:
+    case Kind::atomicLoop:
+        return true;
+    case Kind::group:
+        return node.link != noNode || plan.program.code[pc].op == OP_COND;
+    default:
+        return false;
+    }
+}
+
 /// A capture that every match passes through is set anew by whatever path succeeds, so undoing it is not
 /// needed unless something reads it on the way.
 void analyseCaptures(Plan& plan) {
+    if (plan.hasBackReferences) return;
     const int32_t length = plan.program.length;
     int32_t optional = plan.firstAlternative == noNode ? 0 : length; // up to here captures may be passed by
     for (int32_t pc = 0; pc < length; ++pc) {
         Node& node = plan.nodes[pc];
-        const int32_t close =
-            isBracket(plan.program.code[pc].op) && node.index != 0 ? pc + plan.program.code[pc].b + 1 : pc;
-        if (node.kind == Kind::group && node.has(traitCapture)) {
-            if (plan.hasBackReferences || pc < optional) {
-                node.traits = static_cast<uint16_t>(node.traits | traitSaveOpen);
-            } else {
-                plan.capturesStay = true;
-            }
+        dropTrait(node, traitSaveEnd);
+        if (node.kind == Kind::group && node.has(traitCapture) && pc >= optional) {
+            dropTrait(node, traitSaveOpen);
+            plan.capturesStay = true;
         }
-        const bool passable = node.kind == Kind::loop || node.kind == Kind::look ||
-                              node.kind == Kind::atomic || node.kind == Kind::atomicLoop ||
-                              plan.program.code[pc].op == OP_COND ||
-                              (node.kind == Kind::group && node.link != noNode);
-        if (passable && close > optional) optional = close;
-    }
-    if (!plan.hasBackReferences) return;
-    for (int32_t pc = 0; pc < length; ++pc) {
-        Node& node = plan.nodes[pc];
-        if ((node.kind == Kind::groupEnd || node.kind == Kind::loopEnd) && node.has(traitCapture))
-            node.traits = static_cast<uint16_t>(node.traits | traitSaveEnd);
+        if (mayBePassedBy(plan, pc)) optional = std::max(optional, pc + plan.program.code[pc].b + 1);
     }
 }
 

@@ -159,7 +159,8 @@ void decodeGroup(const Program& program, int32_t pc, Node& node) {
     if (at.op != OP_COND) node.link = nextAlternative(program, pc + 1, close, at.a);
     if (at.op == OP_CAPTURE) {
         node.slot = static_cast<int16_t>(at.c);
-        addTrait(node, traitCapture);
+        // Saved at both ends, unless the analysis of the whole program finds that nothing can tell.
+        addTrait(node, static_cast<Trait>(traitCapture | traitSaveOpen | traitSaveEnd));
     }
     if (isAtomic) {
         addTrait(node, traitKeep);
