@@ -22,24 +22,28 @@ int32_t lastIndexCaseless(const uint8_t* subject, int32_t length, const uint8_t*
 
 } // namespace
 
-int32_t usableLength(const tavRegExpContext& context, const uint8_t* subject, int32_t length) {
-    if (context.lastLiteral < 0 || context.lastLiteral >= context.codeLength) return length;
+RequiredLiteral requiredLiteral(const tavRegExpContext& context) {
+    if (context.lastLiteral < 0 || context.lastLiteral >= context.codeLength) return {};
     const Instruction& literal = programOf(context)[context.lastLiteral];
-    const auto byte = static_cast<uint8_t>(literal.a);
-    const bool isByte = literal.op == OP_CHAR;
-    if (!isByte && literal.op != OP_STRING) return length;
-    const uint8_t* text = isByte ? &byte : static_cast<const uint8_t*>(literal.text);
-    const int32_t textLength = isByte ? 1 : literal.b;
-    if (textLength == 0) return length;
+    const bool caseless = (static_cast<uint32_t>(literal.c) & optionCaseless) != 0;
+    // The byte of an OP_CHAR is the first one in memory of its operand.
+    if (literal.op == OP_CHAR) return {reinterpret_cast<const uint8_t*>(&literal.a), 1, caseless};
+    if (literal.op == OP_STRING) return {static_cast<const uint8_t*>(literal.text), literal.b, caseless};
+    return {};
+}
+
+int32_t usableLength(const tavRegExpContext& context, const uint8_t* subject, int32_t length) {
+    const RequiredLiteral literal = requiredLiteral(context);
+    if (literal.length == 0) return length;
     int32_t at = -1;
-    if (static_cast<uint32_t>(literal.c) & optionCaseless) {
-        at = lastIndexCaseless(subject, length, text, textLength);
-    } else if (isByte) {
-        at = lastIndexOf(subject, length, byte);
+    if (literal.caseless) {
+        at = lastIndexCaseless(subject, length, literal.text, literal.length);
+    } else if (literal.length == 1) {
+        at = lastIndexOf(subject, length, *literal.text);
     } else {
-        at = lastIndexOf(subject, length, text, textLength);
+        at = lastIndexOf(subject, length, literal.text, literal.length);
     }
-    return at < 0 ? -1 : at + textLength;
+    return at < 0 ? -1 : at + literal.length;
 }
 
 } // namespace tav::regex

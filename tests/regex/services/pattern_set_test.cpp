@@ -328,6 +328,46 @@ TEST(PatternSetFind, SlotsFailOnTheirOwn) {
     }
 }
 
+// In a set this large a short text is looked through once for all literals that the patterns require.
+TEST(PatternSetFind, SlotsOfALargeSetFailOnTheirOwnToo) {
+    constexpr std::size_t slots = 40;
+    std::deque<CompiledPattern> absent, second;
+    Set set(slots);
+    for (std::size_t i = 0; i < slots; i++) {
+        for (std::deque<CompiledPattern>* all : {&absent, &second}) {
+            CompiledPattern& pattern =
+                all->emplace_back(i % 5 == 4 ? "b(c)" : "zq" + std::to_string(i), i % 2 ? "i" : "");
+            if (i == 3) pattern->tag = 0;
+            if (i == 5) pattern->matchLimit = -1;
+            if (i == 6) pattern->matchLimit = 0;
+        }
+        ASSERT_EQ(set.add(absent[i], static_cast<uint32_t>(i + 1)), tavStsNoError);
+    }
+    ASSERT_EQ(set.remove(12), tavStsNoError);
+    Results results(slots);
+    results.entries[0].numFind = 0;
+    results.entries[1].finds = nullptr;
+    results.entries[2].numFind = -3;
+    Results single = results;
+    const std::string_view text = "abc";
+    ASSERT_EQ(findIn(set, text, results), tavStsNoError);
+    for (std::size_t i = 0; i < slots; i++) {
+        SCOPED_TRACE("slot " + std::to_string(i));
+        if (i == 11) {
+            EXPECT_TRUE(results.isUntouched(i));
+            continue;
+        }
+        tavRegExpFindResult* const finds = i == 1 ? nullptr : single.finds[i].data();
+        const tavStatus status = tavsRegExpFind_8u(bytesOf(text), lengthOf(text), second[i].get(), finds,
+                                                   &single.entries[i].numFind);
+        EXPECT_EQ(results.entries[i].status, status);
+        EXPECT_EQ(results.entries[i].numFind, single.entries[i].numFind);
+        EXPECT_EQ(results.entries[i].id, i + 1);
+        EXPECT_EQ(results.entries[i].searched, 1);
+        EXPECT_EQ(results.entries[i].finds, i == 1 ? nullptr : results.finds[i].data());
+    }
+}
+
 TEST(PatternSetFind, GlobalPatternsGiveTheirGroups) {
     CompiledPattern p("(.)x", "g");
     Set set(1);
@@ -387,11 +427,12 @@ struct PoolEntry {
 };
 
 constexpr PoolEntry pool[] = {
-    {"a", ""},      {"ab", ""},       {"b+c", "g"},    {"(a)|(b)", "g"}, {"^c", "m"},     {"x*", "g"},
-    {"abca", "i"},  {"[^a]b$", ""},   {"(a)(b)?", ""}, {"", ""},         {"c.a", "s"},    {"A", "i"},
-    {"bcab", ""},   {"\\bab\\b", ""}, {"a|zz", ""},    {"q", ""},        {"(?=c)", "g"},  {"ca(?!b)", ""},
-    {"cc", ""},     {"acb", "g"},     {"bbb", ""},     {"z", ""},        {"(c)\\1", ""},  {"abcabc", ""},
-    {"a{2,}b", ""}, {"B+C", "i"},     {"[ab]+c", ""},  {"aaaaaaaa", ""}, {"(?i)bCa", ""}, {".", "g"},
+    {"a", ""},      {"ab", ""},       {"b+c", "g"},    {"(a)|(b)", "g"}, {"^c", "m"},      {"x*", "g"},
+    {"abca", "i"},  {"[^a]b$", ""},   {"(a)(b)?", ""}, {"", ""},         {"c.a", "s"},     {"A", "i"},
+    {"bcab", ""},   {"\\bab\\b", ""}, {"a|zz", ""},    {"q", ""},        {"(?=c)", "g"},   {"ca(?!b)", ""},
+    {"cc", ""},     {"acb", "g"},     {"bbb", ""},     {"z", ""},        {"(c)\\1", ""},   {"abcabc", ""},
+    {"BCA", "i"},   {"cab", ""},      {"bbcc", ""},    {"acac", ""},     {"\\x{e9}b", ""}, {"ca\nb", ""},
+    {"a{2,}b", ""}, {"B+C", "i"},     {"[ab]+c", ""},  {"aaaaaaaa", ""}, {"(?i)bCa", ""},  {".", "g"},
 };
 
 /// Every slot's entry is what a search with a second compilation of its pattern answers.

@@ -221,7 +221,8 @@ tav::reference::SearchResult referenceSearch(tavRegExpContext& context, const st
     settings.global = (context.options & 0x10) != 0;
     settings.storeAllEntries = true;
     settings.stepLimit = 20000;
-    return tav::reference::search(tav::reference::programIn(context), {bytesOf(source), lengthOf(source)}, settings);
+    return tav::reference::search(tav::reference::programIn(context), {bytesOf(source), lengthOf(source)},
+                                  settings);
 }
 
 struct Tally {
