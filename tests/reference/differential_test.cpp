@@ -1,0 +1,159 @@
+// The library against the reference: random patterns on random subjects, and programs that no pattern
+// compiles to. The budget of levels is part of the answer, so it must agree exactly.
+#include "reference/comparison.h"
+#include "reference/enumeration.h"
+#include "reference/join.h"
+#include "reference/random_patterns.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using namespace tav::reference;
+
+uint64_t seedFromEnvironment() {
+    const char* text = std::getenv("TAVCH_TEST_SEED");
+    return text ? std::strtoull(text, nullptr, 10)
+                : static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+}
+
+TEST(Differential, RandomPatternsOnRandomSubjects) {
+    const uint64_t seed = seedFromEnvironment();
+    std::printf("TAVCH_TEST_SEED=%llu\n", static_cast<unsigned long long>(seed));
+    Comparison comparison;
+    int64_t patterns = 0;
+    withLargeStack([&] {
+        Random random(seed);
+        const auto stop = std::chrono::steady_clock::now() + std::chrono::milliseconds(2500);
+        while (std::chrono::steady_clock::now() < stop && comparison.differences < 10)
+            patterns += randomTrials(random, comparison);
+    });
+    std::printf("%lld patterns, %lld pairs, %lld with a match, %lld skipped\n",
+                static_cast<long long>(patterns), static_cast<long long>(comparison.pairs),
+                static_cast<long long>(comparison.matches), static_cast<long long>(comparison.skipped));
+    EXPECT_EQ(comparison.differences, 0) << comparison.report;
+}
+
+TEST(Differential, SampleOfAllSmallPatterns) {
+    Comparison comparison;
+    EnumerationCount count;
+    const int offset = static_cast<int>(seedFromEnvironment() % 40);
+    withLargeStack([&] { count = compareEnumerated(comparison, 40, offset); });
+    std::printf("offset %d: %lld patterns, %lld pairs\n", offset, static_cast<long long>(count.patterns),
+                static_cast<long long>(comparison.pairs));
+    EXPECT_EQ(comparison.differences, 0) << comparison.report;
+    EXPECT_GT(comparison.pairs, 100000);
+}
+
+// ---------------------------------------------------------------------------------------------------------
+// Large programs and subjects
+
+void expectSame(const Trial& trial) {
+    Comparison comparison;
+    comparison.stepLimit = 20'000'000;
+    comparison.shrinks = false;
+    Verdict verdict = Verdict::skipped;
+    withLargeStack([&] { verdict = comparison.compare(trial); });
+    EXPECT_EQ(verdict, Verdict::same) << trial.pattern.substr(0, 60) << " on " << trial.subject.substr(0, 60)
+                                      << " with limit " << trial.limit;
+}
+
+void expectSame(const std::string& pattern, const std::string& subject, int32_t limit = 10000) {
+    Trial trial;
+    trial.pattern = pattern;
+    trial.subject = subject;
+    trial.limit = limit;
+    expectSame(trial);
+}
+
+TEST(LargePrograms, ManyGroups) {
+    for (const int groups : {100, 500, 998, 999}) {
+        expectSame(times(groups, "(a)"), times(groups, "a"));
+        expectSame(times(groups, "(a)?"), times(groups / 2, "a"));
+        expectSame(times(groups, "(a|b)"), join({times(groups, "b"), "a"}));
+        expectSame(join({times(groups, "(a)|"), "b"}), "b");
+        expectSame(join({times(groups - 1, "()"), "(x)*?y"}), "xxxxy");
+    }
+}
+
+TEST(LargePrograms, DeepNesting) {
+    for (const int depth : {10, 100, 500, 998}) {
+        expectSame(join({times(depth, "("), "a", times(depth, ")")}), "xa");
+        expectSame(join({times(depth, "(?:"), "ab", times(depth, "|c)")}), "ab");
+        expectSame(join({times(depth, "(?>"), "a", times(depth, ")")}), "a");
+        expectSame(join({times(depth, "(?="), "a", times(depth, ")")}), "a");
+        expectSame(join({times(depth, "(?:x|"), "a", times(depth, ")")}), "a");
+    }
+    // Nested repeats take exponential time in the reference.
+    for (const int depth : {2, 4, 6})
+        expectSame(join({times(depth, "("), "a", times(depth, ")*")}), "aaa");
+}
+
+TEST(LargePrograms, ManyAlternatives) {
+    std::string words;
+    for (int i = 0; i < 400; ++i)
+        words += join({"w", std::to_string(i * 7919 % 1000), "|"});
+    for (const char* const subject : {"w7", "xxw919yy", "w-w", "w0w1w2", "www999"}) {
+        expectSame(join({words, "end"}), subject);
+        expectSame(join({"(?:", words, "end)+"}), subject);
+        expectSame(join({"(", words, "end)x?"}), subject);
+    }
+}
+
+TEST(LargeSubjects, TheBudgetEndsAtTheSamePlace) {
+    for (const int32_t limit : {100, 9999, 10000, 10001, 50000}) {
+        expectSame("(a|b)*", times(5000, "ab"), limit);
+        expectSame("(?:ab)*", times(5000, "ab"), limit);
+        expectSame("(?:ab)*?c", join({times(2000, "ab"), "c"}), limit);
+        expectSame("(?>a|b)*", times(6000, "ab"), limit);
+        expectSame("(a(?=b)|b)*", times(3000, "ab"), limit);
+        expectSame("([ab])*", times(3000, "ab"), limit);
+        expectSame("(?:a*b)*", times(3000, "aab"), limit);
+    }
+}
+
+TEST(LargeSubjects, RandomRepetitionsThousandsOfLevelsDeep) {
+    const uint64_t seed = seedFromEnvironment();
+    std::printf("TAVCH_TEST_SEED=%llu\n", static_cast<unsigned long long>(seed));
+    Comparison comparison;
+    comparison.stepLimit = 300'000;
+    comparison.shrinks = false;
+    withLargeStack([&] {
+        Random random(seed);
+        const auto stop = std::chrono::steady_clock::now() + std::chrono::milliseconds(600);
+        while (std::chrono::steady_clock::now() < stop && comparison.differences < 10)
+            deepTrials(random, comparison);
+    });
+    EXPECT_EQ(comparison.differences, 0) << comparison.report;
+}
+
+TEST(LargeSubjects, RunsOfThousandsOfCharacters) {
+    for (const int length : {15, 16, 17, 63, 64, 65, 1000, 70000}) {
+        expectSame("a*b", join({times(length, "a"), "b"}));
+        expectSame("[^b]*b", join({times(length, "\xc3\xa9"), "b"}));
+        expectSame(".*x", join({times(length, "ab"), "\n", times(length, "x")}));
+        expectSame("\\w+@", join({times(length, "a"), "@"}));
+        expectSame("needle", join({times(length, "needl"), "needle"}));
+        expectSame("foo|bar|quux", join({times(length, "ba"), "quux"}));
+        expectSame("\\x{e9}+?$", times(length, "\xc3\xa9"));
+        expectSame("[a-c]{3,}d", join({times(length, "abc"), "d"}));
+    }
+}
+
+TEST(LargeSubjects, GlobalSearchesWithManyMatches) {
+    Trial trial;
+    trial.options = "g";
+    trial.slots = 3000;
+    trial.subject = times(500, "ab c\xc3\xa9");
+    for (const char* const pattern :
+         {"a", "\\w+", "\\b", "x*", "[^ ]+", "(a)(b)?", ".", "b|c", "ab|c", "$", "(?=a)", "\\x{e9}"}) {
+        trial.pattern = pattern;
+        expectSame(trial);
+    }
+}
+
+} // namespace
