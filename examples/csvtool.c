@@ -160,7 +160,9 @@ static Span readAll(const char* path) {
         if (length < room) break;
         if (room > INT32_MAX / 2) fail("too large: ", path);
         room *= 2;
-        text = realloc(text, room);
+        uint8_t* larger = realloc(text, room);
+        if (larger == NULL) free(text);
+        text = larger;
     }
     if (text == NULL || ferror(file)) fail("cannot read ", path);
     fclose(file);
@@ -206,6 +208,6 @@ int main(int argc, char** argv) {
     if (output == NULL) fail("cannot open ", options.output);
     convert(&options, text, output);
     if (fclose(output) != 0) fail("cannot write ", options.output);
-    free((void*)(uintptr_t)text.start);
+    free((void*)text.start);
     return 0;
 }

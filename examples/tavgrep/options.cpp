@@ -97,11 +97,11 @@ public:
 private:
     /// The value stands directly behind the letter or is the next word.
     bool takeValued(char letter, std::string value) {
-        if (value.empty() && value_ == nullptr) {
-            mistake_ = std::string("nothing behind -") + letter;
-            return false;
-        }
         if (value.empty()) {
+            if (value_ == nullptr) {
+                mistake_ = std::string("nothing behind -") + letter;
+                return false;
+            }
             value = *value_;
             tookValue_ = true;
         }

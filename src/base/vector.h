@@ -32,7 +32,7 @@ struct LaneMask {
     int32_t first() const { return std::countr_zero(bits) / bitsPerLane; }
     int32_t last() const { return (31 - std::countl_zero(bits)) / bitsPerLane; }
 
-    LaneMask withoutFirst() const { return {bits & ~(((1U << bitsPerLane) - 1) << (first() * bitsPerLane))}; }
+    LaneMask withoutFirst() const { return {bits & ~((bits & -bits) * ((1U << bitsPerLane) - 1))}; }
     LaneMask withoutLast() const { return {bits & ~(((1U << bitsPerLane) - 1) << (last() * bitsPerLane))}; }
     LaneMask inverse() const { return {bits ^ every}; }
 
