@@ -31,6 +31,10 @@ static int offset_in(const void* member, const void* object) {
 int main(void) {
     static tavRegExpContext context;
     tavRegExpFindResult result;
+    tavRegExpReplaceItem item;
+    tavRegExpReplaceContext replacement;
+    tavRegExpMultiContext set;
+    tavRegExpMultiFindResult finding;
     const tavVersionRecord* version = tavchGetLibVersion();
 
     if (!linked()) return 1;
@@ -45,5 +49,12 @@ int main(void) {
     if (offset_in(&result.length, &result) != 8) return 10;
     if (sizeof(tavStatus) != 4 || tavStsNoError != 0) return 11;
     if (tavStsResultsTruncated <= 0 || tavStsNullPointer >= 0) return 12;
+    if (sizeof(item) != 16 || offset_in(&item.text, &item) != 8) return 13;
+    if (sizeof(replacement) != 16 || offset_in(&replacement.items, &replacement) != 8) return 14;
+    if (sizeof(set) != 24 || offset_in(&set.patterns, &set) != 8 || offset_in(&set.ids, &set) != 16)
+        return 15;
+    if (sizeof(finding) != 24 || offset_in(&finding.numFind, &finding) != 8) return 16;
+    if (offset_in(&finding.status, &finding) != 12 || offset_in(&finding.finds, &finding) != 16) return 17;
+    if (tavReplaceLiteral != 0x10000001 || tavReplaceGroup != 0x10000002) return 18;
     return 0;
 }
