@@ -48,10 +48,12 @@ int32_t indexInZeroTerminated(const E* text, E value) {
 }
 
 /// The first index of the substring, or -1. The text is measured in growing windows, so that an early match
-/// does not pay for the whole text.
+/// does not pay for the whole text. A window outgrows the substring, because each search may look at all of
+/// the substring again: in smaller windows the whole would not be linear.
 template <class E>
 int32_t indexInZeroTerminated(const E* text, const E* find, int32_t lenFind) {
-    constexpr int64_t firstWindow = 512, largestWindow = 65536;
+    constexpr int64_t firstWindow = 512;
+    const int64_t largestWindow = std::max(int64_t{65536}, 4 * int64_t{lenFind});
     if (lenFind == 0) return -1;
     int64_t searched = 0; // no occurrence starts before this index
     int64_t measured = 0; // no zero before this index

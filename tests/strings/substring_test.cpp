@@ -158,3 +158,30 @@ TYPED_TEST(SubstringTest, TheWorstTextsCostLinearTime) {
         EXPECT_LT(std::chrono::duration<double>(spent).count(), 2.0);
     }
 }
+
+TYPED_TEST(SubstringTest, AZeroTerminatedTextCostsNoMoreThanAFewTimesOneOfKnownLength) {
+    using E = TypeParam;
+    // The worst text again. Windows that do not grow with the needle would cost forty times as much here.
+    const std::size_t count = 1U << 23, needleCount = count / 4 + 1;
+    std::vector<E> src(count, 'a'), needle(needleCount, 'a');
+    needle[needleCount / 2 + 1] = 'b';
+    const auto len = length(src), lenFind = length(needle);
+    src.push_back(0);
+    needle.push_back(0);
+    const auto shortestOfThree = [](const auto& search) {
+        auto shortest = std::chrono::steady_clock::duration::max();
+        for (int i = 0; i < 3; ++i) {
+            int32_t index = 0;
+            const auto begin = std::chrono::steady_clock::now();
+            EXPECT_EQ(search(&index), tavStsNoError);
+            shortest = std::min(shortest, std::chrono::steady_clock::now() - begin);
+            EXPECT_EQ(index, -1);
+        }
+        return shortest;
+    };
+    const auto known = shortestOfThree(
+        [&](int32_t* index) { return Api<E>::find(src.data(), len, needle.data(), lenFind, index); });
+    const auto measured =
+        shortestOfThree([&](int32_t* index) { return Api<E>::findZ(src.data(), needle.data(), index); });
+    EXPECT_LT(measured, 10 * known);
+}
