@@ -821,7 +821,7 @@ typedef struct tavRegExpMultiFindResult {
  *   \A \G \z \Z          start of the subject (both); its end; its end or before its final line feed
  *   \C \X                any single byte; a character with its combining marks
  *   \pL \p{Lu} \p{Greek} a character with a property of Unicode 5.1: C L M N P S Z, or in braces a general
- *   \p{InArrows} \p{Any} category, a script, "In" and a block's name (a prefix is enough), or Any
+ *   \p{InArrows} \p{Any} category, a script, "In" and how a block's name begins (the first such), or Any
  *   \PL \P{Lu} \p{^Lu}   one without it
  *   \Q...\E              everything in between stands for itself
  *   \ and any other      that byte itself
@@ -835,7 +835,7 @@ typedef struct tavRegExpMultiFindResult {
  * Notes: properties of the language that patterns in use rely on.
  * - In "(?(digits)" the digits add up as 11 * n + digit: "(?(12)" asks for group 13, "(?(10)" for group 11.
  * - A quantifier after a lookaround removes it when its minimum is 0, and is ignored otherwise.
- * - "[\^]", a class of "^" alone, is an error: write "\^".
+ * - "[\^]", a class of "^" alone, is an error: write "\^". \p{InCJKUnifiedIdeographs} is their Extension A.
  * - [:punct:] holds the space and the bytes from 0x7B on, [:graph:] and [:print:] run up to byte 0xFF.
  * - A class of one character becomes that character: one of U+0080 to U+00FF then matches its byte value.
  */

@@ -1,3 +1,4 @@
+// The record behind tavchGetLibVersion.
 #pragma once
 
 #include "tavch.h"

@@ -175,8 +175,8 @@ int64_t scanElements(const E* src, int64_t count, const Contains& contains) {
     return -1;
 }
 
-/// By a table over the low byte of value and value / 256 together; exact for bytes, a filter for 16-bit
-/// units.
+/// By a table of the members' keys, a key being the exclusive or of a value's two bytes: exact for bytes, a
+/// filter for 16-bit units.
 template <Way way, Seek seek, class E>
 int64_t scanByTable(const E* src, int64_t count, const E* set, int32_t lenSet) {
     std::array<bool, 256> table = {};

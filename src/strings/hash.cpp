@@ -21,9 +21,8 @@ uint32_t shiftXorByFour(const E* src, int32_t len) {
     uint32_t h = 0;
     int32_t i = 0;
     for (; i + 4 <= len; i += 4) {
-        const uint32_t four = uint32_t{src[i]} << 3 ^ uint32_t { src[i + 1] } << 2 ^
-                              uint32_t { src[i + 2] } << 1 ^ uint32_t { src[i + 3] };
-        h = h << 4 ^ four;
+        const uint32_t a = src[i], b = src[i + 1], c = src[i + 2], d = src[i + 3];
+        h = h << 4 ^ (a << 3 ^ b << 2 ^ c << 1 ^ d);
     }
     return plain::hashShiftXor(src + i, len - i, h);
 }
