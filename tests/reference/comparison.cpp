@@ -1,5 +1,7 @@
 #include "reference/comparison.h"
 
+#include "regex/match/plan.h"
+
 #include <cstdio>
 
 namespace tav::reference {
@@ -43,6 +45,29 @@ void takeEntries(SearchResult& result, const std::vector<tavRegExpFindResult>& f
         const bool set = entry.start != nullptr;
         result.entries.push_back(
             {set ? static_cast<int32_t>(entry.start - subject.bytes) : -1, entry.length});
+    }
+}
+
+/// Is this repeat bound to the byte behind it by a rule of the language, not by an optimisation?
+bool skipsByRule(const regex::Node& node) {
+    return node.kind == regex::Kind::lazy &&
+           (node.item == regex::Item::byte || node.item == regex::Item::byteCaseless ||
+            node.item == regex::Item::anyByte || node.item == regex::Item::backReference);
+}
+
+/// Changes the plan that the next searches of this block will find.
+void prepare(tavRegExpContext& block, Way way) {
+    if (way == Way::usual) return;
+    regex::Plan& plan = const_cast<regex::Plan&>(regex::planFor(block));
+    if (plan.state != regex::PlanState::ready) return;
+    plan.start = regex::StartFilter::none;
+    plan.isClassRun = false;
+    plan.seesEnd = true;
+    if (way == Way::direct) plan.state = regex::PlanState::direct;
+    for (int32_t pc = 0; pc <= plan.program.length; ++pc) {
+        regex::Node& node = plan.nodes[pc];
+        node.traits &= static_cast<uint16_t>(~(regex::traitPossessive | regex::traitLeading));
+        if (!skipsByRule(node)) node.follows = -1;
     }
 }
 
@@ -113,6 +138,11 @@ std::string show(const SearchResult& result) {
     return text;
 }
 
+/// The changed plan must be the one that the search used.
+bool wentThatWay(tavRegExpContext& block, Way way) {
+    return way != Way::direct || regex::planFor(block).state != regex::PlanState::ready;
+}
+
 /// Both engines on one trial: the first question on which they differ, or the last one asked.
 struct Answers {
     SearchResult expected;
@@ -121,7 +151,7 @@ struct Answers {
     bool same = true;
 };
 
-Answers ask(tavRegExpContext& block, const Trial& trial, int64_t stepLimit) {
+Answers ask(tavRegExpContext& block, const Trial& trial, int64_t stepLimit, Way way) {
     block.matchLimit = trial.limit;
     block.format = trial.format;
     const std::vector<uint8_t> memory = memoryOf(trial);
@@ -130,8 +160,9 @@ Answers ask(tavRegExpContext& block, const Trial& trial, int64_t stepLimit) {
     Answers answers;
     answers.expected = byReference(block, subject, slots, stepLimit, false);
     if (answers.expected.gaveUp) return answers;
+    prepare(block, way);
     answers.got = byLibrary(block, subject, slots);
-    answers.same = agree(answers.expected, answers.got);
+    answers.same = agree(answers.expected, answers.got) && wentThatWay(block, way);
     if (!answers.same || !isGlobal(block) || trial.subject.empty()) return answers;
     answers.question = "  (all entries, by a replacement)";
     answers.expected = byReference(block, subject, slots, stepLimit, true);
@@ -141,19 +172,19 @@ Answers ask(tavRegExpContext& block, const Trial& trial, int64_t stepLimit) {
     return answers;
 }
 
-bool differs(const Trial& trial, int64_t stepLimit) {
+bool differs(const Trial& trial, int64_t stepLimit, Way way) {
     const Compiled compiled = compile(trial.pattern, trial.options);
-    return compiled && !ask(*compiled.block, trial, stepLimit).same;
+    return compiled && !ask(*compiled.block, trial, stepLimit, way).same;
 }
 
 /// Removes bytes from one text of the trial as long as the difference stays.
-bool shrinkText(Trial& trial, std::string Trial::*text, int64_t stepLimit) {
+bool shrinkText(Trial& trial, std::string Trial::*text, int64_t stepLimit, Way way) {
     bool any = false;
     for (std::size_t width = (trial.*text).size(); width > 0; --width) {
         for (std::size_t at = 0; at + width <= (trial.*text).size();) {
             Trial smaller = trial;
             (smaller.*text).erase(at, width);
-            if (differs(smaller, stepLimit)) {
+            if (differs(smaller, stepLimit, way)) {
                 trial = smaller;
                 any = true;
             } else {
@@ -164,20 +195,20 @@ bool shrinkText(Trial& trial, std::string Trial::*text, int64_t stepLimit) {
     return any;
 }
 
-Trial shrink(Trial trial, int64_t stepLimit) {
+Trial shrink(Trial trial, int64_t stepLimit, Way way) {
     const auto attempt = [&](auto change) {
         Trial simpler = trial;
         change(simpler);
-        if (differs(simpler, stepLimit)) trial = simpler;
+        if (differs(simpler, stepLimit, way)) trial = simpler;
     };
     attempt([](Trial& t) { t.limit = 10000; });
     attempt([](Trial& t) { t.slots = 0; });
     attempt([](Trial& t) { t.format = 1; });
     attempt([](Trial& t) { t.behind = '\0'; });
     for (bool again = true; again;) {
-        again = shrinkText(trial, &Trial::subject, stepLimit);
-        again = shrinkText(trial, &Trial::options, stepLimit) || again;
-        again = shrinkText(trial, &Trial::pattern, stepLimit) || again;
+        again = shrinkText(trial, &Trial::subject, stepLimit, way);
+        again = shrinkText(trial, &Trial::options, stepLimit, way) || again;
+        again = shrinkText(trial, &Trial::pattern, stepLimit, way) || again;
     }
     return trial;
 }
@@ -195,8 +226,9 @@ Compiled compile(const std::string& pattern, const std::string& options) {
 }
 
 std::string describe(const Trial& trial) {
+    constexpr std::size_t longestPattern = 2000;
     std::string text = "/";
-    for (const char c : trial.pattern) {
+    for (const char c : trial.pattern.substr(0, longestPattern)) {
         if (c < ' ' || c > '~' || c == '%')
             appendHex(text, '%', "", c);
         else
@@ -216,7 +248,7 @@ std::string describe(const Trial& trial) {
 }
 
 Verdict Comparison::compare(tavRegExpContext& block, const Trial& trial) {
-    const Answers answers = ask(block, trial, stepLimit);
+    const Answers answers = ask(block, trial, stepLimit, way);
     if (answers.expected.gaveUp) {
         ++skipped;
         return Verdict::skipped;
@@ -234,12 +266,16 @@ Verdict Comparison::compare(const Trial& trial) {
 }
 
 void Comparison::remember(const Trial& trial) {
-    const Trial smallest = shrinks && differs(trial, stepLimit) ? shrink(trial, stepLimit) : trial;
+    const Trial smallest = shrinks && differs(trial, stepLimit, way) ? shrink(trial, stepLimit, way) : trial;
     const Compiled compiled = compile(smallest.pattern, smallest.options);
     if (!compiled || !reported_.insert(describe(smallest)).second) return;
-    const Answers answers = ask(*compiled.block, smallest, stepLimit);
+    const Answers answers = ask(*compiled.block, smallest, stepLimit, way);
     report.append(describe(smallest)).append(" => ").append(show(answers.expected)).append(answers.question);
-    report.append("\n    the library says: ").append(show(answers.got));
+    static constexpr const char* ways[] = {"", " directly", " without shortcuts"};
+    report.append("\n    the library says")
+        .append(ways[static_cast<int>(way)])
+        .append(": ")
+        .append(show(answers.got));
     report.append("\n    found with: ").append(describe(trial)).append("\n");
 }
 

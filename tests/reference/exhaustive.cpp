@@ -25,33 +25,35 @@ void print(const char* what, int64_t patterns, const Comparison& comparison) {
     std::fflush(stdout);
 }
 
-int64_t compareAll() {
+int64_t compareAll(Way way, const char* what) {
     Comparison comparison;
+    comparison.way = way;
     const EnumerationCount count = compareEnumerated(comparison, 1, 0);
-    print("small patterns", count.patterns, comparison);
+    print(what, count.patterns, comparison);
     return comparison.differences;
 }
 
-int64_t compareRandom(int seconds, uint64_t seed) {
-    std::printf("seed %llu\n", static_cast<unsigned long long>(seed));
+int64_t compareRandom(int seconds, uint64_t seed, Way way, const char* what) {
     Comparison comparison;
+    comparison.way = way;
     Random random(seed);
     int64_t patterns = 0;
     for (const auto stop = Clock::now() + std::chrono::seconds(seconds); Clock::now() < stop;)
         patterns += randomTrials(random, comparison);
-    print("random patterns", patterns, comparison);
+    print(what, patterns, comparison);
     return comparison.differences;
 }
 
-int64_t compareDeep(int seconds, uint64_t seed) {
+/// Large programs or subjects: their differences are shown as they are.
+int64_t compareLarge(int seconds, uint64_t seed, int (*trials)(Random&, Comparison&), const char* what) {
     Comparison comparison;
     comparison.shrinks = false;
     comparison.stepLimit = 500'000;
     Random random(seed);
     int64_t patterns = 0;
     for (const auto stop = Clock::now() + std::chrono::seconds(seconds); Clock::now() < stop;)
-        patterns += deepTrials(random, comparison);
-    print("deep repetitions", patterns, comparison);
+        patterns += trials(random, comparison);
+    print(what, patterns, comparison);
     return comparison.differences;
 }
 
@@ -63,9 +65,16 @@ int main(int count, char** arguments) {
                                     : static_cast<uint64_t>(Clock::now().time_since_epoch().count());
     int64_t differences = 0;
     withLargeStack([&] {
-        differences = compareAll();
-        differences += compareRandom(seconds, seed);
-        differences += compareDeep(1 + seconds / 8, seed);
+        differences = compareAll(Way::usual, "small patterns");
+        differences += compareAll(Way::direct, "small patterns, directly");
+        differences += compareAll(Way::withoutShortcuts, "small patterns, without shortcuts");
+        std::printf("seed %llu\n", static_cast<unsigned long long>(seed));
+        differences += compareRandom(seconds, seed, Way::usual, "random patterns");
+        differences += compareRandom(seconds / 4, seed, Way::direct, "random patterns, directly");
+        differences +=
+            compareRandom(seconds / 4, seed, Way::withoutShortcuts, "random patterns, without shortcuts");
+        differences += compareLarge(1 + seconds / 8, seed, deepTrials, "deep repetitions");
+        differences += compareLarge(1 + seconds / 8, seed, longTrials, "long programs");
     });
     return differences == 0 ? 0 : 1;
 }

@@ -271,4 +271,32 @@ int deepTrials(Random& random, Comparison& comparison) {
     return 1;
 }
 
+int longTrials(Random& random, Comparison& comparison) {
+    const Alphabet& alphabet = randomAlphabet(random);
+    const bool alternatives = random.oneIn(2);
+    const bool literals = random.oneIn(4);
+    std::string body;
+    for (uint32_t pieces = 60 + random.below(random.oneIn(4) ? 900 : 200); pieces > 0; --pieces) {
+        const std::string piece =
+            literals ? randomSubject(random, {{}, {"a", "b", "foo", "x", "y"}}, 5)
+                     : randomPattern(random, alphabet, 1 + static_cast<int>(random.below(6)));
+        if (piece.find('#') != std::string::npos) continue;
+        body += alternatives ? join({piece, "|"}) : join({"(?:", piece, random.oneIn(2) ? ")?" : ")??"});
+    }
+    Trial trial;
+    trial.options = randomOptions(random);
+    trial.pattern = random.oneIn(2) ? join({"(", body, ")+"}) : join({body, "a"});
+    const Compiled compiled = compile(trial.pattern, trial.options);
+    if (!compiled) return 0;
+    for (int subjects = 0; subjects < 8; ++subjects) {
+        trial.subject = randomSubject(random, alphabet, random.oneIn(3) ? 60 : 8);
+        trial.format = random.oneIn(4) ? 0 : 1;
+        trial.slots = random.oneIn(3) ? 1 + static_cast<int32_t>(random.below(6)) : 0;
+        static constexpr int32_t limits[] = {10000, 10000, 50, 300, 1000, 5000, 50000, 90000};
+        trial.limit = random.pick(limits);
+        comparison.compare(*compiled.block, trial);
+    }
+    return 1;
+}
+
 } // namespace tav::reference

@@ -31,4 +31,7 @@ int randomTrials(Random& random, Comparison& comparison);
 /// budget must end a match at the same place, whatever a path has to remember.
 int deepTrials(Random& random, Comparison& comparison);
 
+/// A pattern of hundreds to thousands of instructions, more than the library makes a plan for.
+int longTrials(Random& random, Comparison& comparison);
+
 } // namespace tav::reference

@@ -13,6 +13,9 @@ namespace {
 
 using namespace tav::regex;
 
+/// Work on long runs counts as steps too, so that a limit on them bounds the time.
+constexpr int64_t charactersPerStep = 32;
+
 constexpr bool isAsciiLetter(uint32_t c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
@@ -145,7 +148,7 @@ private:
     bool alternatives(int32_t first, Path path, Bracket& body);
     bool lookaroundHolds(int32_t pc, Path path);
     bool assertionHolds(uint8_t kind, Path path) const;
-    bool lookbehindStart(int32_t at, int32_t characters, int32_t& start) const;
+    bool lookbehindStart(int32_t at, int32_t characters, int32_t& start);
 
     int32_t consume(int32_t pc, int32_t at, uint32_t options) const;
     int32_t consumeBackReference(int32_t slot, int32_t at, uint32_t options) const;
@@ -296,6 +299,7 @@ bool Engine::repeatGreedy(int32_t pc, const Repetition& repeat, Path path, Brack
         }
         ends.push_back(next);
     }
+    steps_ += static_cast<int64_t>(ends.size()) / charactersPerStep;
     for (int64_t k = static_cast<int64_t>(ends.size()) - 1; k >= repeat.min; --k) {
         path.at = ends[static_cast<std::size_t>(k)];
         if (match(repeat.next, path, inside)) return true;
@@ -635,12 +639,13 @@ bool Engine::lookaroundHolds(int32_t pc, Path path) {
 }
 
 /// The position `characters` before `at`, counted from the subject's start; false when there are too few.
-bool Engine::lookbehindStart(int32_t at, int32_t characters, int32_t& start) const {
+bool Engine::lookbehindStart(int32_t at, int32_t characters, int32_t& start) {
     start = at;
     if (characters <= 0) return true;
     std::vector<int32_t> starts;
     for (int32_t p = 0; p < at; p += characterAt(p).length)
         starts.push_back(p);
+    steps_ += at / charactersPerStep;
     if (static_cast<int64_t>(starts.size()) < characters) return false;
     start = starts[starts.size() - static_cast<std::size_t>(characters)];
     return true;
