@@ -823,7 +823,7 @@ typedef struct tavRegExpMultiFindResult {
  *   \pL \p{Lu} \p{Greek} a character with a property of Unicode 5.1: C L M N P S Z, or in braces a general
  *   \p{InArrows} \p{Any} category, a script, "In" and how a block's name begins (the first such), or Any
  *   \PL \P{Lu} \p{^Lu}   one without it
- *   \Q...\E              everything in between stands for itself
+ *   \Q...\E              everything in between stands for itself; a \E alone is ignored
  *   \ and any other      that byte itself
  *
  * Options, in the options string or (but "g") inline:
@@ -837,6 +837,9 @@ typedef struct tavRegExpMultiFindResult {
  * - A quantifier after a lookaround removes it when its minimum is 0, and is ignored otherwise.
  * - "[\^]", a class of "^" alone, is an error: write "\^". \p{InCJKUnifiedIdeographs} is their Extension A.
  * - [:punct:] holds the space and the bytes from 0x7B on, [:graph:] and [:print:] run up to byte 0xFF.
+ * - \p{InName} selects the first block, in code point order, whose name begins with InName: \p{InLatin} is
+ *   InLatin1Supplement, and \p{InCJKUnifiedIdeographs} is InCJKUnifiedIdeographsExtensionA, which precedes
+ *   its namesake (write [\x{4E00}-\x{9FFF}] for that one).
  * - A class of one character becomes that character: one of U+0080 to U+00FF then matches its byte value.
  */
 
@@ -946,7 +949,7 @@ tavStatus tavsRegExpSetFormat(int32_t format, tavRegExpContext* state);
  * of that literal's last occurrence: a lookahead or "$" cannot see beyond it. A path that needs more nested
  * levels than the match limit fails like any mismatch, so a limit that is too low looks like "no match".
  *
- * @param pSrc          the subject; with "" or "\B" in the pattern the byte behind it must be readable
+ * @param pSrc          the subject; with "\b" or "\B" in the pattern the byte behind it must be readable
  * @param srcLen        its length in bytes
  * @param pRegExpState  the compiled pattern; its work area is written, so one search at a time
  * @param pFind         the result array

@@ -345,6 +345,7 @@ TEST(Quirks, PropertyNamesAreCategoriesThenBlocksByPrefixThenScripts) {
         {"\\p{In}", "ULIST 1 from 0-7F"},
         {"\\p{I}", "ULIST 1 from 0-7F"},
         {"\\p{InLatin}", "ULIST 1 from 80-FF"},
+        {"\\p{InCJKUnifiedIdeographs}", "ULIST 1 from 3400-4DBF"}, // ...ExtensionA precedes it
         {"\\p{L}", "UPROP 80"},
         {"\\p{Ll}", "UPROP 81"},
         {"\\p{Cherokee}", "ULIST 1 from 13A0-13F4"},
