@@ -8,8 +8,7 @@ namespace tav::regex::compiler {
 inline constexpr int32_t noFixedLength = -1;
 
 /// The number of characters that every match of the bracket at `opener` takes, or noFixedLength when it
-/// varies, cannot be told, or does not fit. Works on a program under construction; the bracket must be
-/// closed.
+/// varies, cannot be told, or does not fit. The program may be under construction, the bracket is closed.
 int32_t fixedBodyLength(const Instruction* program, int32_t opener);
 
 /// What the tracker of the required final literal may say instead of an index.

@@ -11,10 +11,12 @@ namespace tav::regex::compiler {
 /// No operation: a: length of the dissolved body; b: the slots that it takes; c: the instructions among them.
 inline constexpr uint32_t vacantSlot = 0;
 
-inline constexpr char plainLiteral = 0; // an OP_CHAR from a run of plain characters
-inline constexpr char classMember = 0;  // an item inside a class
-inline constexpr char ownRepeat =
-    0; // an OP_GREEDY made by collapsing, not yet joined by a written quantifier
+/// An OP_CHAR from a run of plain characters.
+inline constexpr char plainLiteral = 0;
+/// An item inside a class.
+inline constexpr char classMember = 0;
+/// An OP_GREEDY made by collapsing, not yet joined by a written quantifier.
+inline constexpr char ownRepeat = 0;
 
 inline bool hasNote(const Instruction& instruction, const char& note) {
     return instruction.text == &note;

@@ -50,8 +50,7 @@ void Emitter::escapedCharacter(uint8_t byte) {
     trackEmitted();
 }
 
-/// Collapses runs of one type into a repeat. The instruction before decides, not the text, so "[\d]\d" is a
-/// run.
+/// Collapses runs of one type into a repeat. The instruction before decides, not the text: "[\d]\d" is one.
 void Emitter::type(int letter) {
     if (count_ > 0) {
         Instruction& before = last();
@@ -97,8 +96,7 @@ void Emitter::quantifier(const Quantifier& quantifier) {
     if (hasNote(before, ownRepeat)) return mergeIntoRepeat(before, quantifier);
     if (before.op == OP_GROUP_END) {
         if (isLookaround(program_[lastClosed_].op)) {
-            // Deliberate: an optional lookaround is no lookaround at all, any other repetition changes
-            // nothing.
+            // Deliberate: an optional lookaround is removed, any other repetition changes nothing.
             if (quantifier.minimum == 0) count_ = lastClosed_;
             return;
         }

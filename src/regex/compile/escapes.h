@@ -35,8 +35,7 @@ Escape escapeInsideClass(int letter);
 /// Deliberately only the low byte of a larger value is kept.
 uint8_t readOctal(const PatternText& text, Offset& at);
 
-/// The character of "\c" with its operand at `at`, which moves behind it; at the end of the text the letter
-/// "c".
+/// The character of "\c" with its operand at `at`, which moves behind it; the letter "c" at the text's end.
 uint8_t readControl(const PatternText& text, Offset& at);
 
 /// A value written in hexadecimal: "\xhh" is a byte, "\x{...}" a code point whatever its value.

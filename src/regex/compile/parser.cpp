@@ -159,8 +159,7 @@ Outcome Parser::parseConditional(Offset open) {
     return {};
 }
 
-/// Deliberate: the digits add up as 11 * n + digit, so "(?(12)" asks for group 13. Existing patterns rely on
-/// it.
+/// Deliberate: the digits add up as 11 * n + digit, and patterns rely on "(?(12)" asking for group 13.
 Outcome Parser::parseNumericCondition() {
     const Offset first = at_;
     int32_t group = 0;

@@ -51,8 +51,8 @@ private:
     Emitter& emitter_;
     int32_t groupCount_;
     Offset at_ = 0;
-    bool repeatable_ =
-        false; // false at the start and after an opener, "|", an option setting or a quantifier
+    /// False at the start and after an opener, "|", an option setting or a quantifier.
+    bool repeatable_ = false;
     ClassItems classItems_;
 };
 

@@ -16,8 +16,7 @@ struct Quantifier {
 /// Does a quantifier begin at `offset`? A "{" of any other shape is an ordinary character.
 bool isQuantifierAt(const PatternText& text, Offset offset);
 
-/// Reads the quantifier at `at` and moves `at` behind it; fails when a bound is too large or they are
-/// reversed.
+/// Reads the quantifier at `at`, which moves behind it; fails when a bound is too large or they are reversed.
 Outcome readQuantifier(const PatternText& text, Offset& at, Quantifier& quantifier);
 
 /// The first place at or behind `offset` that is not ignored text: comments "(?#...)", "\E", an empty quote,
