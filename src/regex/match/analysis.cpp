@@ -3,6 +3,8 @@
 #include "regex/match/class_runs.h"
 #include "regex/match/first_bytes.h"
 
+#include "strings/substring.h"
+
 #include <algorithm>
 
 namespace tav::regex {
@@ -48,10 +50,8 @@ void analyseStart(Plan& plan) {
 
 /// Does every attempt that passes the node at `pc` go on with the one behind it, having consumed nothing?
 bool leadsOn(const Plan& plan, int32_t pc) {
-    const Node& node = plan.nodes[pc];
-    const bool opensOnce =
-        (node.kind == Kind::group && plan.program.code[pc].op != OP_COND) || node.kind == Kind::atomic;
-    return node.kind == Kind::assertion || node.kind == Kind::pass || (opensOnce && node.link == noNode);
+    const Kind kind = plan.nodes[pc].kind;
+    return kind == Kind::assertion || kind == Kind::pass || opensOnce(plan, pc);
 }
 
 /// The unbounded repeat that every attempt begins with, if nothing behind it can tell where it began: when
@@ -104,6 +104,33 @@ void analyseCaptures(Plan& plan) {
     }
 }
 
+/// The rarest byte that every match must contain behind its first item, -1 when there is none worth looking
+/// for.
+int32_t requiredByte(const Plan& plan) {
+    constexpr int32_t tooCommon = 150;
+    if (plan.firstAlternative != noNode) return -1;
+    int32_t rarest = -1, rank = tooCommon;
+    const auto consider = [&](uint8_t byte) {
+        if (substring::commonness[byte] >= rank) return;
+        rank = substring::commonness[byte];
+        rarest = byte;
+    };
+    bool first = true;
+    for (int32_t pc = 0; pc != plan.program.length && pc != noNode;) {
+        const Node& node = plan.nodes[pc];
+        const bool isRepeat = isGreedy(node) || node.kind == Kind::lazy;
+        if (!first && (node.kind == Kind::byte || (isRepeat && node.item == Item::byte && node.min > 0)))
+            consider(node.byte);
+        if (!first && node.kind == Kind::string)
+            for (int32_t i = 0; i < node.min; ++i)
+                consider(static_cast<const uint8_t*>(plan.program.code[pc].text)[i]);
+        first = first && leadsOn(plan, pc);
+        // A lookaround is passed over whole; so is any bracket that may be matched in several ways.
+        pc = opensOnce(plan, pc) ? pc + 1 : node.kind == Kind::look ? behind(plan.program, pc) : node.next;
+    }
+    return rarest;
+}
+
 /// Can the node tell where the usable part of the subject ends?
 bool readsEnd(const Node& node) {
     switch (node.kind) {
@@ -121,7 +148,8 @@ bool readsEnd(const Node& node) {
 } // namespace
 
 void analyse(Plan& plan) {
-    plan.seesEnd = false;
+    // Only the last of several alternatives need end with the required literal.
+    plan.seesEnd = plan.firstAlternative != noNode;
     for (int32_t pc = 0; pc < plan.program.length; ++pc) {
         Node& node = plan.nodes[pc];
         if (isRepeat(node)) analyseRepeat(plan, node);
@@ -130,6 +158,7 @@ void analyse(Plan& plan) {
     analyseCaptures(plan);
     analyseStart(plan);
     analyseLeadingRun(plan);
+    plan.requiredByte = requiredByte(plan);
     findClassRun(plan);
 }
 

@@ -48,10 +48,10 @@ struct AllRanges {
 
 } // namespace
 
-ByteRanges ByteRanges::covering(const ByteSet& set) {
+ByteRanges ByteRanges::covering(const ByteSet& set, int32_t limit) {
     AllRanges all(set);
-    const bool exact = all.count <= maximum;
-    while (all.count > maximum)
+    const bool exact = all.count <= limit;
+    while (all.count > limit)
         all.closeCheapestGap();
     ByteRanges ranges;
     ranges.exact = exact;

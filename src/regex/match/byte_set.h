@@ -30,16 +30,16 @@ private:
     uint64_t words_[4] = {};
 };
 
-/// A set that contains another one, as at most four ranges of neighbouring values.
+/// A set that contains another one, as a few ranges of neighbouring values.
 struct ByteRanges {
-    static constexpr int32_t maximum = 4;
+    static constexpr int32_t maximum = 8;
     uint8_t count = 0;
     bool exact = true; // no more than the other set
     uint8_t first[maximum] = {};
     uint8_t last[maximum] = {};
 
-    /// The closest such set: the gaps given up are those least common in text.
-    static ByteRanges covering(const ByteSet& set);
+    /// The closest such set of at most `limit` ranges: the gaps given up are those least common in text.
+    static ByteRanges covering(const ByteSet& set, int32_t limit);
 
     bool isOneValue() const { return count == 1 && first[0] == last[0]; }
 

@@ -70,13 +70,20 @@ uint64_t membersAmong(const uint8_t* p, int64_t count, const uint8_t (&table)[25
 const Node* firstRun(const Plan& plan) {
     if (plan.firstAlternative != noNode || plan.start != StartFilter::prefix) return nullptr;
     int32_t pc = 0;
-    while (plan.nodes[pc].kind == Kind::group && plan.nodes[pc].link == noNode &&
-           plan.program.code[pc].op != OP_COND)
+    while (opensOnce(plan, pc))
         ++pc;
     const Node& node = plan.nodes[pc];
     const bool fits =
         isGreedy(node) && node.item == Item::charClass && node.min >= 1 && node.max == unboundedRepeat;
     return fits && speaksOfBytes(plan, node) ? &node : nullptr;
+}
+
+/// What follows the run: behind an atomic group's end too, when the run is the whole group.
+First followerOf(const Plan& plan, const Node& run) {
+    int32_t next = run.next;
+    const Node& node = plan.nodes[next];
+    if (node.kind == Kind::bodyEnd && plan.nodes[node.other].kind == Kind::atomic) next = node.next;
+    return firstBytesFrom(plan, next);
 }
 
 } // namespace
@@ -87,15 +94,17 @@ void findClassRun(Plan& plan) {
     if (node == nullptr) return;
     ByteSet members;
     addItem(plan, *node, members);
-    plan.classRun = ByteRanges::covering(members);
+    plan.classRun = ByteRanges::covering(members, ByteRanges::maximum);
     plan.classRunMinimum = node->min;
     if (!plan.classRun.exact) return;
     if (node == plan.nodes && node->next == plan.program.length) {
         plan.isClassRun = true;
-    } else if (node->has(traitPossessive) && node->has(traitLeading)) {
-        plan.runFollows = ByteRanges::covering(firstBytesFrom(plan, node->next).bytes);
-        plan.start = StartFilter::classRun;
+        return;
     }
+    const First follower = followerOf(plan, *node);
+    if (!node->has(traitLeading) || follower.canBeEmpty || follower.bytes.meets(members)) return;
+    plan.runFollows = ByteRanges::covering(follower.bytes, ByteRanges::maximum);
+    plan.start = StartFilter::classRun;
 }
 
 namespace {

@@ -1,10 +1,60 @@
 #include "regex/match/first_bytes.h"
 
 #include "regex/match/characters.h"
+#include "unicode/properties.h"
 
 namespace tav::regex {
 
 namespace {
+
+uint8_t leadOf(uint32_t codePoint) {
+    const int32_t length = unicode::utf8Length(codePoint);
+    const int32_t shift = 6 * (length - 1);
+    return static_cast<uint8_t>((0xF00u >> length & 0xFF) | codePoint >> shift);
+}
+
+void addLeadsBetween(int32_t low, int32_t high, ByteSet& bytes) {
+    if (high < 0x80 || low > high || low < 0) return;
+    const uint8_t last = leadOf(static_cast<uint32_t>(high));
+    for (uint32_t lead = leadOf(low < 0x80 ? 0x80 : static_cast<uint32_t>(low)); lead <= last; ++lead)
+        bytes.add(static_cast<uint8_t>(lead));
+}
+
+/// The first bytes of the characters beyond ASCII that an item lists one by one or as ranges; false for
+/// others.
+bool addListed(const Instruction& item, ByteSet& bytes) {
+    switch (item.op) {
+    case OP_CHAR:
+    case OP_UCHAR:
+        addLeadsBetween(item.a, item.a, bytes);
+        return item.c == 0;
+    case OP_RANGE:
+    case OP_URANGE:
+        addLeadsBetween(item.a, item.b, bytes);
+        return item.c == 0;
+    case OP_TYPE:
+        return item.c == 0 && !typeMatches(item.a, 0xFF, false);
+    case OP_ULIST: {
+        const auto* ranges = static_cast<const unicode::CodePointRange*>(item.text);
+        for (int32_t i = 0; i < item.c; ++i)
+            addLeadsBetween(static_cast<int32_t>(ranges[i].first), static_cast<int32_t>(ranges[i].last),
+                            bytes);
+        return item.b == 0;
+    }
+    default:
+        return false;
+    }
+}
+
+bool addLeadsOf(const Plan& plan, const Node& node, ByteSet& bytes) {
+    if (node.has(traitCaseless)) return false;
+    const Instruction& item = plan.program.code[&node - plan.nodes];
+    if (item.op != OP_SET) return addListed(item, bytes);
+    if (item.a < 0) return false;
+    for (int32_t i = 1; i <= item.b; ++i)
+        if (!addListed((&item)[i], bytes)) return false;
+    return true;
+}
 
 void addClass(const Plan& plan, const Node& node, ByteSet& bytes) {
     const ClassTable& table = plan.ascii[node.index / 8];
@@ -13,7 +63,8 @@ void addClass(const Plan& plan, const Node& node, ByteSet& bytes) {
     const MalformedBits& malformed = plan.malformed[node.index];
     for (uint32_t byte = 0x80; byte < 0x100; ++byte)
         if (hasMalformed(malformed, static_cast<uint8_t>(byte))) bytes.add(static_cast<uint8_t>(byte));
-    if (node.has(traitMultiAll) || node.has(traitMultiTest)) bytes.addLeads();
+    if (node.has(traitMultiAll) || (node.has(traitMultiTest) && !addLeadsOf(plan, node, bytes)))
+        bytes.addLeads();
 }
 
 /// Walks all paths from an instruction to the first byte consumed, with a bound on the work.

@@ -125,6 +125,7 @@ void build(Plan& plan, tavRegExpContext& context) {
     plan.seesEnd = true;
     plan.capturesStay = false;
     plan.isClassRun = false;
+    plan.requiredByte = -1;
     plan.state = PlanState::direct;
     const auto length = static_cast<std::size_t>(context.codeLength);
     plan.copy = area.take<Instruction>(length);

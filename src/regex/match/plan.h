@@ -73,6 +73,7 @@ struct Plan {
     bool hasBackReferences;   //
     int32_t bracketCount;     //
     int32_t classCount;       //
+    int32_t requiredByte;     // a byte that every match contains, -1 none
     int32_t firstAlternative; // the first OP_ALT_END at top level
     Bracket* brackets;
     Capture* captures;
@@ -87,6 +88,13 @@ struct Plan {
     ByteRanges runFollows; // StartFilter::classRun: what may follow the run
     Prefix prefix;
 };
+
+/// Is the node at `pc` the opening of a group that every attempt enters once, with one alternative?
+inline bool opensOnce(const Plan& plan, int32_t pc) {
+    const Node& node = plan.nodes[pc];
+    if (node.kind != Kind::group && node.kind != Kind::atomic) return false;
+    return node.link == noNode && plan.program.code[pc].op != OP_COND;
+}
 
 /// The plan of a context: the one in its work area when it is still valid, otherwise a new one.
 const Plan& planFor(tavRegExpContext& context);

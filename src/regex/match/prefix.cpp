@@ -191,11 +191,13 @@ constexpr int32_t tooCommon = 2000;
 /// Bytes so rare that looking for others beside them does not pay.
 constexpr int32_t rareEnough = 60;
 
+constexpr int32_t rangesOfAnchor = 3;
+
 void chooseAnchors(const PrefixWalk& walk, Prefix& prefix) {
     int32_t cost[2] = {tooCommon, tooCommon};
     prefix.anchors = 0;
     for (int32_t offset = 0; offset < prefix.length; ++offset) {
-        const ByteRanges ranges = ByteRanges::covering(walk.bytes(offset));
+        const ByteRanges ranges = ByteRanges::covering(walk.bytes(offset), rangesOfAnchor);
         const int32_t commonness = ranges.commonness();
         if (ranges.count == 0 || commonness >= cost[1]) continue;
         const int32_t place = commonness < cost[0] ? 0 : 1;

@@ -5,6 +5,7 @@
 #include "regex/match/required.h"
 #include "regex/match/results.h"
 #include "regex/match/starts.h"
+#include "strings/find.h"
 
 namespace tav::regex {
 
@@ -94,6 +95,18 @@ tavStatus searchWith(const Plan& plan, const Subject& subject, const tavRegExpCo
     return statusFor(results.count(), groups);
 }
 
+/// How much of the subject the search may use, -1 when a required literal is missing. Where nothing in the
+/// program can tell the end of the usable part, it need not be looked for: what lies behind the last required
+/// literal cannot become part of a match anyhow. So repeated searches through one text stay linear.
+int32_t usablePart(const Plan& plan, const tavRegExpContext& context, const uint8_t* subject,
+                   int32_t length) {
+    const bool single = (context.options & optionGlobal) == 0;
+    if (!single || plan.state != PlanState::ready || plan.seesEnd || context.matchLimit < 0)
+        return usableLength(context, subject, length);
+    if (plan.requiredByte < 0) return length;
+    return indexOf(subject, length, static_cast<uint8_t>(plan.requiredByte)) < 0 ? -1 : length;
+}
+
 } // namespace
 
 tavStatus search(const uint8_t* pSrc, int32_t srcLen, tavRegExpContext* pRegExpState,
@@ -104,12 +117,12 @@ tavStatus search(const uint8_t* pSrc, int32_t srcLen, tavRegExpContext* pRegExpS
     tavRegExpContext& context = *pRegExpState;
     if (context.tag != contextTag) return tavStsBadContext;
 
-    const int32_t usable = usableLength(context, pSrc, srcLen);
+    const Plan& plan = planFor(context);
+    const int32_t usable = usablePart(plan, context, pSrc, srcLen);
     if (usable < 0) {
         *pNumFind = 0;
         return tavStsNoError;
     }
-    const Plan& plan = planFor(context);
     const Subject subject = {pSrc, pSrc + usable, pSrc + srcLen};
     switch (plan.state) {
     case PlanState::ready:
