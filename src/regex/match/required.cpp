@@ -7,17 +7,10 @@ namespace tav::regex {
 
 namespace {
 
-bool sameText(const uint8_t* a, const uint8_t* b, int32_t length) {
-    for (int32_t i = 0; i < length; ++i)
-        if (foldAscii(a[i]) != foldAscii(b[i])) return false;
+bool standsAt(const RequiredLiteral& literal, const uint8_t* p) {
+    for (int32_t i = 0; i < literal.length; ++i)
+        if (!sameByte(p[i], literal.text[i], literal.caseless)) return false;
     return true;
-}
-
-int32_t lastIndexCaseless(const uint8_t* subject, int32_t length, const uint8_t* literal,
-                          int32_t literalLength) {
-    for (int32_t at = length - literalLength; at >= 0; --at)
-        if (sameText(subject + at, literal, literalLength)) return at;
-    return -1;
 }
 
 } // namespace
@@ -32,18 +25,22 @@ RequiredLiteral requiredLiteral(const tavRegExpContext& context) {
     return {};
 }
 
-int32_t usableLength(const tavRegExpContext& context, const uint8_t* subject, int32_t length) {
-    const RequiredLiteral literal = requiredLiteral(context);
-    if (literal.length == 0) return length;
-    int32_t at = -1;
-    if (literal.caseless) {
-        at = lastIndexCaseless(subject, length, literal.text, literal.length);
-    } else if (literal.length == 1) {
-        at = lastIndexOf(subject, length, *literal.text);
-    } else {
-        at = lastIndexOf(subject, length, literal.text, literal.length);
-    }
-    return at < 0 ? -1 : at + literal.length;
+int32_t firstOccurrence(const RequiredLiteral& literal, const uint8_t* subject, int32_t length) {
+    if (!literal.caseless)
+        return literal.length == 1 ? indexOf(subject, length, *literal.text)
+                                   : indexOf(subject, length, literal.text, literal.length);
+    for (int32_t at = 0; at <= length - literal.length; ++at)
+        if (standsAt(literal, subject + at)) return at;
+    return -1;
+}
+
+int32_t lastOccurrence(const RequiredLiteral& literal, const uint8_t* subject, int32_t length) {
+    if (!literal.caseless)
+        return literal.length == 1 ? lastIndexOf(subject, length, *literal.text)
+                                   : lastIndexOf(subject, length, literal.text, literal.length);
+    for (int32_t at = length - literal.length; at >= 0; --at)
+        if (standsAt(literal, subject + at)) return at;
+    return -1;
 }
 
 } // namespace tav::regex

@@ -95,16 +95,48 @@ tavStatus searchWith(const Plan& plan, const Subject& subject, const tavRegExpCo
     return statusFor(results.count(), groups);
 }
 
-/// How much of the subject the search may use, -1 when a required literal is missing. Where nothing in the
-/// program can tell the end of the usable part, it need not be looked for: what lies behind the last required
-/// literal cannot become part of a match anyhow. So repeated searches through one text stay linear.
-int32_t usablePart(const Plan& plan, const tavRegExpContext& context, const uint8_t* subject,
-                   int32_t length) {
-    const bool single = (context.options & optionGlobal) == 0;
-    if (!single || plan.state != PlanState::ready || plan.seesEnd || context.matchLimit < 0)
-        return usableLength(context, subject, length);
-    if (plan.requiredByte < 0) return length;
+/// How much of the subject the search may use; -1 when something that every match needs does not occur.
+///
+/// The end behind the last required literal need not be known where nothing in the program can tell it: what
+/// lies behind cannot become part of a match anyhow. So repeated searches through one text stay linear.
+int32_t usablePart(const Plan& plan, const tavRegExpContext& context, const RequiredLiteral& literal,
+                   const uint8_t* subject, int32_t length) {
+    const bool mayInfer = plan.state == PlanState::ready && context.matchLimit >= 0;
+    if (literal.isPresent()) {
+        if (mayInfer && !plan.seesEnd) return length;
+        const int32_t at = lastOccurrence(literal, subject, length);
+        return at < 0 ? -1 : at + literal.length;
+    }
+    if (!mayInfer || plan.requiredByte < 0) return length;
     return indexOf(subject, length, static_cast<uint8_t>(plan.requiredByte)) < 0 ? -1 : length;
+}
+
+/// Does a program consist of the literal alone, so that its occurrences are the matches?
+bool isLiteralAlone(const tavRegExpContext& context, const RequiredLiteral& literal) {
+    constexpr int32_t levelsOfLiteral = 2;
+    const bool beginsCharacter = (*literal.text & 0xC0) != 0x80;
+    return context.codeLength == 1 && context.groupCount == 1 && context.matchLimit >= levelsOfLiteral &&
+           !(context.options & optionGlobal) && beginsCharacter;
+}
+
+/// The answer of a search that needs no attempt to know that it fails.
+tavStatus nothingFound(const tavRegExpContext& context, int32_t* numFind) {
+    if (context.matchLimit < 0 && !(context.options & optionGlobal)) return tavStsRepeatLimit;
+    *numFind = 0;
+    return tavStsNoError;
+}
+
+tavStatus searchPlanned(const Plan& plan, const Subject& subject, const tavRegExpContext& context,
+                        tavRegExpFindResult* finds, int32_t* numFind, GlobalEntries globalEntries) {
+    switch (plan.state) {
+    case PlanState::ready:
+        return searchWith<PlannedNodes>(plan, subject, context, finds, numFind, globalEntries);
+    case PlanState::direct:
+        return searchWith<DirectNodes>(plan, subject, context, finds, numFind, globalEntries);
+    case PlanState::malformed:
+        break;
+    }
+    return nothingFound(context, numFind);
 }
 
 } // namespace
@@ -117,23 +149,20 @@ tavStatus search(const uint8_t* pSrc, int32_t srcLen, tavRegExpContext* pRegExpS
     tavRegExpContext& context = *pRegExpState;
     if (context.tag != contextTag) return tavStsBadContext;
 
+    const RequiredLiteral literal = requiredLiteral(context);
+    if (literal.isPresent() && !literal.caseless) {
+        const int32_t at = firstOccurrence(literal, pSrc, srcLen);
+        if (at < 0) return nothingFound(context, pNumFind);
+        if (isLiteralAlone(context, literal)) {
+            pFind[0] = {pSrc + at, literal.length};
+            *pNumFind = 1;
+            return tavStsNoError;
+        }
+    }
     const Plan& plan = planFor(context);
-    const int32_t usable = usablePart(plan, context, pSrc, srcLen);
-    if (usable < 0) {
-        *pNumFind = 0;
-        return tavStsNoError;
-    }
-    const Subject subject = {pSrc, pSrc + usable, pSrc + srcLen};
-    switch (plan.state) {
-    case PlanState::ready:
-        return searchWith<PlannedNodes>(plan, subject, context, pFind, pNumFind, globalEntries);
-    case PlanState::direct:
-        return searchWith<DirectNodes>(plan, subject, context, pFind, pNumFind, globalEntries);
-    case PlanState::malformed:
-        break;
-    }
-    *pNumFind = 0;
-    return tavStsNoError;
+    const int32_t usable = usablePart(plan, context, literal, pSrc, srcLen);
+    if (usable < 0) return nothingFound(context, pNumFind);
+    return searchPlanned(plan, {pSrc, pSrc + usable, pSrc + srcLen}, context, pFind, pNumFind, globalEntries);
 }
 
 tavStatus find(const uint8_t* pSrc, int32_t srcLen, tavRegExpContext* pRegExpState,
