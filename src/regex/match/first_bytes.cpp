@@ -10,7 +10,7 @@ namespace {
 uint8_t leadOf(uint32_t codePoint) {
     const int32_t length = unicode::utf8Length(codePoint);
     const int32_t shift = 6 * (length - 1);
-    return static_cast<uint8_t>((0xF00u >> length & 0xFF) | codePoint >> shift);
+    return static_cast<uint8_t>((0xFF00u >> length & 0xFF) | codePoint >> shift);
 }
 
 void addLeadsBetween(int32_t low, int32_t high, ByteSet& bytes) {
