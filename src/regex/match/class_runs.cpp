@@ -98,7 +98,7 @@ void findClassRun(Plan& plan) {
     plan.classRunMinimum = node->min;
     if (!plan.classRun.exact) return;
     if (node == plan.nodes && node->next == plan.program.length) {
-        plan.isClassRun = true;
+        plan.isClassRun = plan.program.groupCount == 1;
         return;
     }
     const First follower = followerOf(plan, *node);

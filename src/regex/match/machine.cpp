@@ -147,7 +147,7 @@ std::size_t Machine<Nodes>::nextCapacity() const {
     const auto present = static_cast<std::size_t>(stackEnd_ - stack_) + 2;
     std::size_t capacity = 2 * present > forDefaultLimit ? 2 * present : forDefaultLimit;
     // More than the limit accounts for are only captures kept from atomic groups and lookarounds in loops.
-    if (present < byLimit && capacity > byLimit) capacity = byLimit;
+    if (present + present / 8 < byLimit && capacity > byLimit) capacity = byLimit;
     if (capacity <= forDefaultLimit) return capacity;
     const std::size_t room = stackRoom();
     if (room < reserve) return 0;
