@@ -15,10 +15,10 @@ namespace {
 
 using namespace tav::reference;
 
+/// The same trials at every run, or those of TAVCH_TEST_SEED; script/exhaustive takes fresh ones.
 uint64_t seedFromEnvironment() {
     const char* text = std::getenv("TAVCH_TEST_SEED");
-    return text ? std::strtoull(text, nullptr, 10)
-                : static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+    return text ? std::strtoull(text, nullptr, 10) : 1;
 }
 
 class Differential : public testing::TestWithParam<Way> {};

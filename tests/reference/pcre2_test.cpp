@@ -17,8 +17,8 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -216,16 +216,18 @@ class SharedLanguage : public testing::TestWithParam<bool> {};
 
 TEST_P(SharedLanguage, GivesTheSameGroups) {
     const bool unicode = GetParam();
-    const uint64_t seed = static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
-    std::printf("seed %llu\n", static_cast<unsigned long long>(seed));
+    // The same patterns at every run: a rare shape that the two languages read differently may still be missing
+    // from the list above, and finding it is the business of a search with other seeds, not of every build.
+    const char* const chosen = std::getenv("TAVCH_TEST_SEED");
+    const uint64_t seed = chosen != nullptr ? std::strtoull(chosen, nullptr, 10) : 1;
+    std::printf("TAVCH_TEST_SEED=%llu\n", static_cast<unsigned long long>(seed));
     Random random(seed);
     const Strings letters =
         unicode ? Strings{"a", "b", "\xc3\xa9", "\xe2\x82\xac", "1"} : Strings{"a", "b", "c", "B", "\n", "1"};
     int64_t pairs = 0;
     int64_t refused = 0;
     int failures = 0;
-    const auto stop = std::chrono::steady_clock::now() + std::chrono::milliseconds(1200);
-    while (std::chrono::steady_clock::now() < stop && failures < 5) {
+    for (int patterns = 0; patterns < 8000 && failures < 5; ++patterns) {
         Trial trial;
         trial.pattern = SharedPatterns(random, unicode).make();
         trial.options = random.pick(unicode ? Strings{"", "s", "m"} : Strings{"", "i", "m", "s", "im"});
