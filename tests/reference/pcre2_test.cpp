@@ -160,7 +160,8 @@ struct MatchDataDeleter {
 
 /// The spans by PCRE2: empty when there is no match. False when PCRE2 refuses the pattern or gives up.
 bool byPeer(const Trial& trial, bool unicode, int32_t groupCount, std::vector<Span>& spans) {
-    uint32_t options = unicode ? PCRE2_UTF : 0;
+    // The plain meaning is compared: the peer's shortcut for [ab]{1,3}(?>|x)[^b] loses matches.
+    uint32_t options = PCRE2_NO_AUTO_POSSESS | (unicode ? PCRE2_UTF : 0);
     for (const char letter : trial.options)
         options |= letter == 'i' ? PCRE2_CASELESS : letter == 'm' ? PCRE2_MULTILINE : PCRE2_DOTALL;
     int error = 0;
@@ -216,8 +217,9 @@ class SharedLanguage : public testing::TestWithParam<bool> {};
 
 TEST_P(SharedLanguage, GivesTheSameGroups) {
     const bool unicode = GetParam();
-    // The same patterns at every run: a rare shape that the two languages read differently may still be missing
-    // from the list above, and finding it is the business of a search with other seeds, not of every build.
+    // The same patterns at every run: a rare shape that the two languages read differently may still be
+    // missing from the list above, and finding it is the business of a search with other seeds, not of every
+    // build.
     const char* const chosen = std::getenv("TAVCH_TEST_SEED");
     const uint64_t seed = chosen != nullptr ? std::strtoull(chosen, nullptr, 10) : 1;
     std::printf("TAVCH_TEST_SEED=%llu\n", static_cast<unsigned long long>(seed));

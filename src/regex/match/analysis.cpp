@@ -150,11 +150,16 @@ bool readsEnd(const Node& node) {
 void analyse(Plan& plan) {
     // Only the last of several alternatives need end with the required literal.
     plan.seesEnd = plan.firstAlternative != noNode;
+    int32_t choices = 0;
     for (int32_t pc = 0; pc < plan.program.length; ++pc) {
         Node& node = plan.nodes[pc];
         if (isRepeat(node)) analyseRepeat(plan, node);
+        if (isRepeat(node) && node.max > node.min && !node.has(traitPossessive)) ++choices;
+        if (node.kind == Kind::loop || node.link != noNode) choices = 2;
         if (readsEnd(node)) plan.seesEnd = true;
     }
+    // Where choices multiply, more subject can mean much more work, so there the end counts as well.
+    if (choices > 1) plan.seesEnd = true;
     analyseCaptures(plan);
     analyseStart(plan);
     analyseLeadingRun(plan);
