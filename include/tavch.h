@@ -961,6 +961,9 @@ tavStatus tavsRegExpSetFormat(int32_t format, tavRegExpContext* state);
  *         tavStsNoError, found or not.
  *
  * Nothing is allocated. Machine stack: at most 256 KiB under the default match limit, a few KiB as a rule.
+ * More is used, as far as the thread's stack has it, under a raised limit and where a group repeats captures
+ * inside atomic groups or positive lookarounds; what the stack cannot hold fails as if the limit were
+ * reached.
  *
  * @code
  * tavRegExpFindResult found[2];
