@@ -22,6 +22,15 @@ struct LibraryFacts {
     std::set<std::string> imports;      ///< names of the libraries that the loader brings in
 };
 
+/// What only a PE file says of itself.
+struct WindowsFacts {
+    std::uint32_t linkTime = 0;        ///< seconds; 0 where the linker was told to leave it out
+    std::uint32_t exportTime = 0;      ///< the same, in the export directory
+    std::uint16_t characteristics = 0; ///< the loader's permissions: IMAGE_DLLCHARACTERISTICS_...
+    std::vector<std::uint16_t> fileVersion, productVersion; ///< four numbers each
+    std::map<std::string, std::string> versionTexts;        ///< the resource's texts by their keys
+};
+
 class BinaryFile {
 public:
     explicit BinaryFile(const std::string& path) {
@@ -35,6 +44,19 @@ public:
             return elf();
         if (view().substr(0, 2) == "MZ") return pe();
         return {};
+    }
+
+    WindowsFacts windowsFacts() const {
+        const std::uint64_t header = at<std::uint32_t>(0x3C);
+        const std::uint64_t optionalHeader = header + 24;
+        const std::uint64_t directories = optionalHeader + 112;
+        constexpr std::uint64_t exportDirectory = 0, resourceDirectory = 16;
+        WindowsFacts facts;
+        facts.linkTime = at<std::uint32_t>(header + 8);
+        facts.characteristics = at<std::uint16_t>(optionalHeader + 70);
+        facts.exportTime = at<std::uint32_t>(place(at<std::uint32_t>(directories + exportDirectory)) + 4);
+        peVersion(place(at<std::uint32_t>(directories + resourceDirectory)), facts);
+        return facts;
     }
 
 private:
@@ -136,6 +158,59 @@ private:
     void peImports(std::uint32_t directory, LibraryFacts& facts) const {
         for (std::uint64_t entry = place(directory); at<std::uint32_t>(entry + 12) != 0; entry += 20)
             facts.imports.insert(text(place(at<std::uint32_t>(entry + 12))));
+    }
+
+    /// Finds the version resource: the tree's levels are type, name and language.
+    void peVersion(std::uint64_t root, WindowsFacts& facts) const {
+        constexpr std::uint32_t versionType = 16, isDirectory = 0x80000000;
+        std::uint64_t directory = root;
+        for (int level = 0; level < 3; level++) {
+            const unsigned count = at<std::uint16_t>(directory + 12) + at<std::uint16_t>(directory + 14);
+            std::uint64_t entry = directory + 16;
+            if (level == 0)
+                for (unsigned i = 0; i + 1 < count && at<std::uint32_t>(entry) != versionType; i++)
+                    entry += 8;
+            if (count == 0 || (level == 0 && at<std::uint32_t>(entry) != versionType)) return;
+            directory = root + (at<std::uint32_t>(entry + 4) & ~isDirectory);
+        }
+        const std::uint64_t start = place(at<std::uint32_t>(directory));
+        versionBlock(start, facts);
+    }
+
+    /// Reads one block of the resource, (length, value length, kind, key, value, inner blocks), and all
+    /// inside it.
+    std::uint64_t versionBlock(std::uint64_t start, WindowsFacts& facts) const {
+        const auto length = at<std::uint16_t>(start);
+        const auto valueLength = at<std::uint16_t>(start + 2);
+        const bool isText = at<std::uint16_t>(start + 4) == 1;
+        const std::string key = wideText(start + 6);
+        std::uint64_t at4 = padded(start, start + 6 + 2 * (key.size() + 1));
+        if (isText && valueLength > 0) facts.versionTexts[key] = wideText(at4);
+        if (key == "VS_VERSION_INFO") {
+            facts.fileVersion = fourNumbers(at4 + 8);
+            facts.productVersion = fourNumbers(at4 + 16);
+        }
+        std::uint64_t inner = padded(start, at4 + valueLength * (isText ? 2U : 1U));
+        while (length > 0 && inner < start + length)
+            inner = padded(start, versionBlock(inner, facts));
+        return start + (length > 0 ? length : 6U);
+    }
+
+    static std::uint64_t padded(std::uint64_t start, std::uint64_t offset) {
+        return start + (offset - start + 3) / 4 * 4;
+    }
+
+    std::vector<std::uint16_t> fourNumbers(std::uint64_t offset) const {
+        return {at<std::uint16_t>(offset + 2), at<std::uint16_t>(offset), at<std::uint16_t>(offset + 6),
+                at<std::uint16_t>(offset + 4)};
+    }
+
+    /// Zero-terminated UTF-16 text, all of it ASCII.
+    std::string wideText(std::uint64_t offset) const {
+        std::string text;
+        for (; at<std::uint16_t>(offset) != 0; offset += 2)
+            text += static_cast<char>(at<std::uint16_t>(offset));
+        return text;
     }
 
     std::vector<char> bytes_;

@@ -7,10 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
 #include <iterator>
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -38,6 +42,26 @@ std::map<std::string, int> expectedExports() {
     }
     return expected;
 }
+
+#if defined(TAVCH_MICROSOFT_LIBRARY)
+
+/// The short import objects of a library: 00 00 FF FF, version, machine, time, size, hint, kind, then the
+/// name of the function and of the DLL. They are looked for by their first eight bytes.
+std::map<std::string, int> microsoftImports(const std::string& path, const std::string& dll) {
+    std::ifstream in(path, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::string start("\0\0\xff\xff\0\0\x64\x86", 8);
+    std::map<std::string, int> imports;
+    for (std::size_t at = bytes.find(start); at != std::string::npos; at = bytes.find(start, at + 1)) {
+        std::uint16_t hint = 0;
+        std::memcpy(&hint, bytes.data() + at + 16, sizeof hint);
+        const std::string name = bytes.c_str() + at + 20;
+        if (bytes.c_str() + at + 20 + name.size() + 1 == dll) imports[name] = hint;
+    }
+    return imports;
+}
+
+#endif
 
 } // namespace
 
@@ -72,6 +96,48 @@ TEST(Library, ImportsNothingButTheCoreLibraryTheCRuntimeAndTheKernel) {
         EXPECT_TRUE(allowed.count(name) == 1 || universalRuntime) << name;
     }
     EXPECT_FALSE(library().imports.empty());
+}
+
+TEST(Library, CarriesTheNumbersOfTheVersionRecordAsItsResource) {
+    const WindowsFacts facts = BinaryFile(TAVCH_LIBRARY_FILE).windowsFacts();
+    const tavVersionRecord* version = tavchGetLibVersion();
+    const std::vector<std::uint16_t> numbers = {
+        static_cast<std::uint16_t>(version->versionMajor), static_cast<std::uint16_t>(version->versionMinor),
+        static_cast<std::uint16_t>(version->versionPatch), static_cast<std::uint16_t>(version->buildNumber)};
+    EXPECT_EQ(facts.fileVersion, numbers);
+    EXPECT_EQ(facts.productVersion, numbers);
+    const std::map<std::string, std::string> texts = {
+        {"FileDescription", "String primitives and regular expressions"},
+        {"FileVersion", "8.2.3.48108"},
+        {"InternalName", "tavch"},
+        {"LegalCopyright", "Licence: MIT"},
+        {"OriginalFilename", TAVCH_LIBRARY_FILE},
+        {"ProductName", version->libraryName},
+        {"ProductVersion", version->versionText},
+    };
+    EXPECT_EQ(facts.versionTexts, texts);
+}
+
+TEST(Library, IsPlacedAnywhereAndItsDataIsNeverExecuted) {
+    constexpr unsigned highEntropyAddresses = 0x20, movable = 0x40, noExecution = 0x100;
+    constexpr unsigned wanted = highEntropyAddresses | movable | noExecution;
+    for (const char* file : {TAVCH_LIBRARY_FILE, "tavcore-8.2.dll"})
+        EXPECT_EQ(BinaryFile(file).windowsFacts().characteristics & wanted, wanted) << file;
+}
+
+TEST(Library, HoldsNoTimeSoThatTwoLinksGiveTheSameFile) {
+    for (const char* file : {TAVCH_LIBRARY_FILE, "tavcore-8.2.dll"}) {
+        EXPECT_EQ(BinaryFile(file).windowsFacts().linkTime, 0U) << file;
+        EXPECT_EQ(BinaryFile(file).windowsFacts().exportTime, 0U) << file;
+    }
+}
+
+TEST(ImportLibrary, OfMicrosoftsKindNamesEveryExportWithItsOrdinal) {
+#if defined(TAVCH_MICROSOFT_LIBRARY)
+    EXPECT_EQ(microsoftImports(TAVCH_MICROSOFT_LIBRARY, TAVCH_LIBRARY_FILE), expectedExports());
+#else
+    GTEST_SKIP() << "llvm-dlltool, which makes it, was not there";
+#endif
 }
 
 TEST(Library, GivesTheSameFunctionByNameAndByOrdinal) {
