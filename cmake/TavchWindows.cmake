@@ -1,10 +1,10 @@
 # What the DLLs need beyond what MinGW does by itself.
 
-# The addresses of the image are chosen anew at each start, its data is never executed, and two links of the same
-# objects give the same file.
+# A release carries no symbols, the addresses of the image are chosen anew at each start, its data is never executed, and two
+# links of the same objects give the same file.
 add_library(tavch_dll_flags INTERFACE)
 target_link_options(tavch_dll_flags INTERFACE -static-libgcc -static-libstdc++
-  -Wl,--dynamicbase,--high-entropy-va,--nxcompat,--no-insert-timestamp)
+  -Wl,--dynamicbase,--high-entropy-va,--nxcompat,--no-insert-timestamp $<$<NOT:$<CONFIG:Debug>>:-s>)
 
 # tavch_microsoft_import_library(TARGET DEFINITION) makes TARGET.lib, for Microsoft's linker, beside libTARGET.dll.a.
 # The two differ in kind: GNU's tools do not write Microsoft's short form.
