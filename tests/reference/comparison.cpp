@@ -2,6 +2,7 @@
 
 #include "regex/match/plan.h"
 
+#include <bit>
 #include <cstdio>
 
 namespace tav::reference {
@@ -48,27 +49,11 @@ void takeEntries(SearchResult& result, const std::vector<tavRegExpFindResult>& f
     }
 }
 
-/// Is this repeat bound to the byte behind it by a rule of the language, not by an optimisation?
-bool skipsByRule(const regex::Node& node) {
-    return node.kind == regex::Kind::lazy &&
-           (node.item == regex::Item::byte || node.item == regex::Item::byteCaseless ||
-            node.item == regex::Item::anyByte || node.item == regex::Item::backReference);
-}
-
 /// Changes the plan that the next searches of this block will find.
 void prepare(tavRegExpContext& block, Way way) {
-    if (way == Way::usual) return;
-    regex::Plan& plan = const_cast<regex::Plan&>(regex::planFor(block));
-    if (plan.state != regex::PlanState::ready) return;
-    plan.start = regex::StartFilter::none;
-    plan.isClassRun = false;
-    plan.seesEnd = true;
-    if (way == Way::direct) plan.state = regex::PlanState::direct;
-    for (int32_t pc = 0; pc <= plan.program.length; ++pc) {
-        regex::Node& node = plan.nodes[pc];
-        node.traits &= static_cast<uint16_t>(~(regex::traitPossessive | regex::traitLeading));
-        if (!skipsByRule(node)) node.follows = -1;
-    }
+    if (way.shortcuts == regex::everyShortcut) return;
+    regex::Plan& plan = regex::planWith(block, way.shortcuts);
+    if (way.direct && plan.state == regex::PlanState::ready) plan.state = regex::PlanState::direct;
 }
 
 SearchResult byLibrary(tavRegExpContext& block, Subject subject, int32_t slots) {
@@ -140,7 +125,7 @@ std::string show(const SearchResult& result) {
 
 /// The changed plan must be the one that the search used.
 bool wentThatWay(tavRegExpContext& block, Way way) {
-    return way != Way::direct || regex::planFor(block).state != regex::PlanState::ready;
+    return !way.direct || regex::planFor(block).state != regex::PlanState::ready;
 }
 
 /// Both engines on one trial: the first question on which they differ, or the last one asked.
@@ -215,6 +200,15 @@ Trial shrink(Trial trial, int64_t stepLimit, Way way) {
 
 } // namespace
 
+std::string Way::name() const {
+    if (direct) return "Directly";
+    if (shortcuts == regex::everyShortcut) return "AsUsual";
+    if (shortcuts == 0) return "WithoutShortcuts";
+    const bool alone = std::has_single_bit(shortcuts);
+    const uint32_t one = alone ? shortcuts : regex::everyShortcut & ~shortcuts;
+    return (alone ? "WithShortcut" : "WithoutShortcut") + std::to_string(std::countr_zero(one));
+}
+
 Compiled compile(const std::string& pattern, const std::string& options) {
     int32_t size = 0;
     tavsRegExpGetSize(pattern.c_str(), &size);
@@ -271,11 +265,7 @@ void Comparison::remember(const Trial& trial) {
     if (!compiled || !reported_.insert(describe(smallest)).second) return;
     const Answers answers = ask(*compiled.block, smallest, stepLimit, way);
     report.append(describe(smallest)).append(" => ").append(show(answers.expected)).append(answers.question);
-    static constexpr const char* ways[] = {"", " directly", " without shortcuts"};
-    report.append("\n    the library says")
-        .append(ways[static_cast<int>(way)])
-        .append(": ")
-        .append(show(answers.got));
+    report.append("\n    the library says ").append(way.name()).append(": ").append(show(answers.got));
     report.append("\n    found with: ").append(describe(trial)).append("\n");
 }
 

@@ -3,6 +3,7 @@
 
 #include "reference/hand_made.h"
 #include "reference/reference_engine.h"
+#include "regex/match/shortcuts.h"
 
 #include <set>
 #include <string>
@@ -51,18 +52,23 @@ struct Compiled {
 Compiled compile(const std::string& pattern, const std::string& options);
 
 /// How the library is to find its answer. The shortcuts must not show in any answer.
-enum class Way {
-    usual,
-    direct,           // instructions decoded as they are reached, as for programs too long for a plan
-    withoutShortcuts, // a plan, without start filters and without knowledge of what follows a repeat
+struct Way {
+    uint32_t shortcuts = regex::everyShortcut;
+    bool direct = false; // instructions decoded as they are reached, as for programs too long for a plan
+
+    std::string name() const;
 };
+
+inline const Way usually{};
+inline const Way directly{0, true};
+inline const Way withoutShortcuts{0, false};
 
 enum class Verdict { same, different, skipped };
 
 /// Counts what was compared and remembers the first differences in their smallest form.
 class Comparison {
 public:
-    Way way = Way::usual;
+    Way way = usually;
     int64_t stepLimit = 20000; // pairs that need more steps are skipped
     bool shrinks = true;       // look for the smallest form of a difference
     int64_t pairs = 0;

@@ -10,10 +10,12 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 namespace {
 
 using namespace tav::reference;
+namespace regex = tav::regex;
 
 /// The same trials at every run, or those of TAVCH_TEST_SEED; script/exhaustive takes fresh ones.
 uint64_t seedFromEnvironment() {
@@ -24,12 +26,11 @@ uint64_t seedFromEnvironment() {
 class Differential : public testing::TestWithParam<Way> {};
 
 std::string nameOf(const testing::TestParamInfo<Way>& test) {
-    if (test.param == Way::direct) return "Directly";
-    return test.param == Way::usual ? "AsUsual" : "WithoutShortcuts";
+    return test.param.name();
 }
 
 INSTANTIATE_TEST_SUITE_P(Library, Differential,
-                         testing::Values(Way::usual, Way::direct, Way::withoutShortcuts), nameOf);
+                         testing::Values(usually, directly, withoutShortcuts), nameOf);
 
 TEST_P(Differential, RandomPatternsOnRandomSubjects) {
     const uint64_t seed = seedFromEnvironment();
@@ -59,6 +60,53 @@ TEST_P(Differential, SampleOfAllSmallPatterns) {
                 static_cast<long long>(comparison.pairs));
     EXPECT_EQ(comparison.differences, 0) << comparison.report;
     EXPECT_GT(comparison.pairs, 40000);
+}
+
+class EachShortcut : public testing::TestWithParam<Way> {};
+
+std::vector<Way> waysByShortcut() {
+    std::vector<Way> ways;
+    for (uint32_t shortcut = 1; shortcut <= regex::everyShortcut; shortcut <<= 1) {
+        ways.push_back({shortcut});
+        ways.push_back({regex::everyShortcut & ~shortcut});
+    }
+    return ways;
+}
+
+INSTANTIATE_TEST_SUITE_P(Library, EachShortcut, testing::ValuesIn(waysByShortcut()), nameOf);
+
+TEST_P(EachShortcut, ChangesNoResultAloneOrLeftOut) {
+    Comparison comparison;
+    comparison.way = GetParam();
+    withLargeStack([&] {
+        Random random(seedFromEnvironment());
+        for (int patterns = 0; patterns < 1500; ++patterns)
+            randomTrials(random, comparison);
+    });
+    EXPECT_EQ(comparison.differences, 0) << comparison.report;
+    EXPECT_GT(comparison.pairs, 1000);
+}
+
+// ---------------------------------------------------------------------------------------------------------
+// Recompiling
+
+TEST(Recompiling, InTheSameBlockIsNoticedByTheNextSearch) {
+    const char* const subject = "__abc_abd_qqq";
+    int32_t size = 0;
+    ASSERT_EQ(tavsRegExpGetSize("abc|xyz", &size), tavStsNoError);
+    const Block block = makeBlock(static_cast<std::size_t>(size));
+    for (const char* const pattern : {"abc|xyz", "abd|xyz", "qqq|rrr", "q|[^q]", "b|[^b]"}) {
+        int32_t offset = 0;
+        ASSERT_EQ(tavsRegExpInit(pattern, "", block.get(), &offset), tavStsNoError);
+        tavRegExpFindResult found{};
+        int32_t count = 1;
+        tavsRegExpFind_8u(reinterpret_cast<const uint8_t*>(subject), 13, block.get(), &found, &count);
+        Trial trial;
+        trial.pattern = pattern;
+        trial.subject = subject;
+        Comparison comparison;
+        EXPECT_EQ(comparison.compare(*block, trial), Verdict::same) << comparison.report;
+    }
 }
 
 // ---------------------------------------------------------------------------------------------------------

@@ -65,14 +65,14 @@ int main(int count, char** arguments) {
                                     : static_cast<uint64_t>(Clock::now().time_since_epoch().count());
     int64_t differences = 0;
     withLargeStack([&] {
-        differences = compareAll(Way::usual, "small patterns");
-        differences += compareAll(Way::direct, "small patterns, directly");
-        differences += compareAll(Way::withoutShortcuts, "small patterns, without shortcuts");
+        differences = compareAll(usually, "small patterns");
+        differences += compareAll(directly, "small patterns, directly");
+        differences += compareAll(withoutShortcuts, "small patterns, without shortcuts");
         std::printf("seed %llu\n", static_cast<unsigned long long>(seed));
-        differences += compareRandom(seconds, seed, Way::usual, "random patterns");
-        differences += compareRandom(seconds / 4, seed, Way::direct, "random patterns, directly");
+        differences += compareRandom(seconds, seed, usually, "random patterns");
+        differences += compareRandom(seconds / 4, seed, directly, "random patterns, directly");
         differences +=
-            compareRandom(seconds / 4, seed, Way::withoutShortcuts, "random patterns, without shortcuts");
+            compareRandom(seconds / 4, seed, withoutShortcuts, "random patterns, without shortcuts");
         differences += compareLarge(1 + seconds / 8, seed, deepTrials, "deep repetitions");
         differences += compareLarge(1 + seconds / 8, seed, longTrials, "long programs");
     });

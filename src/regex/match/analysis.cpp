@@ -25,14 +25,22 @@ int16_t literalAt(const Plan& plan, int32_t pc) {
     return -1;
 }
 
+void addTrait(Node& node, Trait trait) {
+    node.traits = static_cast<uint16_t>(node.traits | trait);
+}
+
+void dropTrait(Node& node, Trait trait) {
+    node.traits = static_cast<uint16_t>(node.traits & ~trait);
+}
+
 void analyseRepeat(const Plan& plan, Node& node) {
-    if (node.follows < 0) node.follows = literalAt(plan, node.next);
+    if (node.follows < 0 && uses(plan, shortcutFollows)) node.follows = literalAt(plan, node.next);
+    if (!uses(plan, shortcutPossessive)) return;
     if (!isGreedy(node) || node.max <= node.min || node.item > Item::charClass) return;
     ByteSet taken;
     addItem(plan, node, taken);
     const First rest = firstBytesFrom(plan, node.next);
-    if (!rest.canBeEmpty && !rest.bytes.meets(taken))
-        node.traits = static_cast<uint16_t>(node.traits | traitPossessive);
+    if (!rest.canBeEmpty && !rest.bytes.meets(taken)) addTrait(node, traitPossessive);
 }
 
 void analyseStart(Plan& plan) {
@@ -63,12 +71,8 @@ void analyseLeadingRun(Plan& plan) {
         pc = isBracket(plan.program.code[pc].op) ? pc + 1 : plan.nodes[pc].next;
     Node& node = plan.nodes[pc];
     if (isGreedy(node) && node.max == unboundedRepeat && node.item <= Item::tested)
-        node.traits = static_cast<uint16_t>(node.traits | traitLeading);
+        addTrait(node, traitLeading);
     plan.leadingIsBytewise = node.has(traitSingle);
-}
-
-void dropTrait(Node& node, Trait trait) {
-    node.traits = static_cast<uint16_t>(node.traits & ~trait);
 }
 
 /// Can a match do without what the bracket at `pc` holds, or without some of it?
@@ -145,6 +149,51 @@ bool readsEnd(const Node& node) {
     }
 }
 
+/// Do the bytes of the class tell where a run of its characters ends, though they may be longer than a byte?
+/// They do when every byte from 0x80 up belongs to some member.
+bool takesAllBeyondAscii(const Plan& plan, const Node& node) {
+    if (!node.has(traitMultiAll)) return false;
+    for (const uint8_t bits : plan.malformed[node.index])
+        if (bits != 0xFF) return false;
+    return true;
+}
+
+/// Prepares the search for the ends of long runs by vectors.
+void findRunEnds(Plan& plan) {
+    constexpr int32_t longRun = 8;
+    for (int32_t number = 0; number < plan.runTestCount; ++number)
+        plan.runTests[number] = RunTest();
+    for (int32_t pc = 0; pc < plan.program.length; ++pc) {
+        Node& node = plan.nodes[pc];
+        if (!isGreedy(node) || node.item != Item::charClass || node.index >= plan.runTestCount) continue;
+        const bool bytewise =
+            node.max == unboundedRepeat && node.min <= 1 && takesAllBeyondAscii(plan, node);
+        if (!node.has(traitSingle) && !bytewise) continue;
+        RunTest& test = plan.runTests[node.index];
+        ByteSet members;
+        addItem(plan, node, members);
+        if (!test.isPresent()) test.prepare(members);
+        if (!test.isPresent() || node.max < longRun) continue;
+        addTrait(node, traitVector);
+        if (bytewise) addTrait(node, traitBytewise);
+    }
+}
+
+/// The commonest repeats and groups, in their simplest forms, have nodes of their own.
+void usePlainNodes(Plan& plan) {
+    for (int32_t pc = 0; pc < plan.program.length; ++pc) {
+        Node& node = plan.nodes[pc];
+        if (node.kind == Kind::classRun && (node.has(traitPossessive) || node.min == node.max))
+            node.kind = Kind::takenRun;
+        if (node.kind == Kind::group && node.link == noNode && !node.has(traitSaveOpen)) {
+            node.kind = node.has(traitCapture) ? Kind::captureStart : Kind::pass;
+            node.next = pc + 1;
+        }
+        if (node.kind == Kind::groupEnd && !node.has(traitSaveEnd))
+            node.kind = node.has(traitCapture) ? Kind::captureEnd : Kind::pass;
+    }
+}
+
 } // namespace
 
 void analyse(Plan& plan) {
@@ -160,11 +209,14 @@ void analyse(Plan& plan) {
     }
     // Where choices multiply, more subject can mean much more work, so there the end counts as well.
     if (choices > 1) plan.seesEnd = true;
-    analyseCaptures(plan);
-    analyseStart(plan);
-    analyseLeadingRun(plan);
-    plan.requiredByte = requiredByte(plan);
-    findClassRun(plan);
+    if (!uses(plan, shortcutWholeSubject)) plan.seesEnd = true;
+    if (uses(plan, shortcutKeptCaptures)) analyseCaptures(plan);
+    if (uses(plan, shortcutStartFilters)) analyseStart(plan);
+    if (uses(plan, shortcutLeadingRun)) analyseLeadingRun(plan);
+    if (uses(plan, shortcutRequiredByte)) plan.requiredByte = requiredByte(plan);
+    if (uses(plan, shortcutClassRuns)) findClassRun(plan);
+    if (uses(plan, shortcutVectorRuns)) findRunEnds(plan);
+    if (uses(plan, shortcutPlainNodes)) usePlainNodes(plan);
 }
 
 } // namespace tav::regex

@@ -19,6 +19,13 @@ public:
     /// The first bytes of well-formed sequences beyond ASCII.
     void addLeads() { words_[3] |= (~uint64_t{0} << 2) & (~uint64_t{0} >> 2); }
 
+    ByteSet complement() const {
+        ByteSet others;
+        for (int i = 0; i < 4; ++i)
+            others.words_[i] = ~words_[i];
+        return others;
+    }
+
     bool has(uint8_t byte) const { return (words_[byte / 64] >> (byte % 64) & 1) != 0; }
     bool meets(const ByteSet& other) const {
         for (int i = 0; i < 4; ++i)

@@ -104,6 +104,7 @@ private:
         case Kind::charClass:
         case Kind::item:
         case Kind::classRun:
+        case Kind::takenRun:
         case Kind::greedy:
         case Kind::lazy:
             return addRepeat(node);
@@ -123,7 +124,9 @@ private:
         case Kind::look:
         case Kind::conditionGroup:
             return branch(pc, node);
-        case Kind::bodyEnd: // the body has succeeded here, whatever stands behind it
+        case Kind::captureStart:
+        case Kind::captureEnd: // they come into being after the walk
+        case Kind::bodyEnd:    // the body has succeeded here, whatever stands behind it
         case Kind::matchEnd:
         case Kind::alternativeEnd:
             first_.canBeEmpty = true;

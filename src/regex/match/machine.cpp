@@ -89,7 +89,7 @@ uint32_t DirectNodes::optionsAt(int32_t pc) const {
 template <class Nodes>
 Machine<Nodes>::Machine(const Plan& plan, const Subject& subject, int32_t matchLimit)
     : plan_(plan), nodes_(plan), begin_(subject.begin), end_(subject.end), limit_(subject.limit),
-      captures_(plan.captures), matchLimit_(matchLimit) {
+      lastBlock_(limit_ - begin_ < 16 ? nullptr : limit_ - 16), captures_(plan.captures), matchLimit_(matchLimit) {
     useStack(firstStack_, firstCapacity, 0);
 }
 
@@ -180,6 +180,7 @@ Outcome Machine<Nodes>::run(Registers r) {
 
 template <class Nodes>
 auto Machine<Nodes>::step(Registers& r, const Node& node) -> Step {
+    if (node.kind > Kind::conditionGroup) __builtin_unreachable();
     switch (node.kind) {
     case Kind::fail:
         return Step::fail;
@@ -216,6 +217,8 @@ auto Machine<Nodes>::step(Registers& r, const Node& node) -> Step {
         break;
     case Kind::classRun:
         return classRun(r, node);
+    case Kind::takenRun:
+        return takenRun(r, node);
     case Kind::greedy:
         return greedy(r, node);
     case Kind::lazy:
@@ -229,6 +232,12 @@ auto Machine<Nodes>::step(Registers& r, const Node& node) -> Step {
         return enterGroup(r, node);
     case Kind::groupEnd:
         return leaveGroup(r, node);
+    case Kind::captureStart:
+        captures_[node.slot] = {offset(r.p), 0};
+        break;
+    case Kind::captureEnd:
+        captures_[node.slot].length = offset(r.p) - captures_[node.slot].start;
+        break;
     case Kind::loop:
     case Kind::atomicLoop:
         return enterLoop(r, node);
@@ -365,9 +374,9 @@ auto Machine<Nodes>::takeRun(const Node& node, int32_t pc, const uint8_t* p) con
     const uint8_t* q = p;
     switch (node.item) {
     case Item::charClass:
+        if (node.has(traitBytewise)) return takeBytes(node, pc, p);
         if (!node.has(traitSingle)) return takeClass(node, pc, p);
-        for (const ClassTable& table = plan_.ascii[node.index / 8]; q < stop && (table[*q] & node.mask);)
-            ++q;
+        q = runEnd(node, p, stop);
         break;
     case Item::byte:
         while (q < stop && *q == node.byte)
@@ -439,16 +448,47 @@ auto Machine<Nodes>::greedy(Registers& r, const Node& node) -> Step {
     return takeRunOf(r, node, takeRun(node, r.pc, r.p));
 }
 
+/// The first byte from `p` up to `stop` that is not of the node's class; `stop` when there is none.
+template <class Nodes>
+const uint8_t* Machine<Nodes>::runEnd(const Node& node, const uint8_t* p, const uint8_t* stop) const {
+    if (node.has(traitVector) && lastBlock_ != nullptr)
+        return plan_.runTests[node.index].end(p, stop, lastBlock_);
+    const uint8_t* const table = plan_.ascii[node.index / 8];
+    while (p < stop && (table[*p] & node.mask))
+        ++p;
+    return p;
+}
+
+/// A run of a class whose bytes tell where it ends, though its characters may be longer than a byte.
+template <class Nodes>
+auto Machine<Nodes>::takeBytes(const Node& node, int32_t pc, const uint8_t* p) const -> Run {
+    if (lastBlock_ == nullptr || p >= end_) return takeClass(node, pc, p);
+    const uint8_t* const end = plan_.runTests[node.index].end(p, end_, lastBlock_);
+    if (end == end_ && end_ != limit_) return takeClass(node, pc, p); // the last character may go on behind it
+    if (node.min <= 0) return {p, end};
+    return {end == p ? nullptr : p + unicode::decodeUtf8(p, limit_).length, end};
+}
+
 /// The commonest repeat: of a class whose characters are all one byte long.
 template <class Nodes>
 auto Machine<Nodes>::classRun(Registers& r, const Node& node) -> Step {
     const std::ptrdiff_t left = end_ - r.p;
     const uint8_t* const stop = node.max < left ? r.p + node.max : end_;
-    const uint8_t* const table = plan_.ascii[node.index / 8];
-    const uint8_t* q = r.p;
-    while (q < stop && (table[*q] & node.mask))
-        ++q;
+    const uint8_t* const q = runEnd(node, r.p, stop);
     return takeRunOf(r, node, {q - r.p < node.min ? nullptr : r.p + node.min, q});
+}
+
+/// The same when there is nothing to come back to.
+template <class Nodes>
+auto Machine<Nodes>::takenRun(Registers& r, const Node& node) -> Step {
+    const std::ptrdiff_t left = end_ - r.p;
+    const uint8_t* const stop = node.max < left ? r.p + node.max : end_;
+    const uint8_t* const q = runEnd(node, r.p, stop);
+    if (node.has(traitLeading)) failedUpTo_ = q;
+    if (q - r.p < node.min) return Step::fail;
+    r.p = q;
+    r.pc = node.next;
+    return Step::go;
 }
 
 /// Goes on behind a greedy repeat, with a record of where it can give back to.

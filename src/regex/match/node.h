@@ -18,12 +18,15 @@ enum class Kind : uint8_t {
     charClass,      // one character of a class with tables
     item,           // one item of the sort in `item`
     classRun,       // a greedy repeat of a class whose characters are all one byte long
+    takenRun,       // the same when it never gives back
     greedy,         // a greedy repeat of `item`
     lazy,           // a lazy repeat of `item`
     assertion,      // a zero-width test
     pass,           // nothing to do here: an option setting, an assertion made optional
     group,          // opening of a group that is entered once
     groupEnd,       //
+    captureStart,   // opening and end of a capturing group that is entered once, has one alternative and
+    captureEnd,     // needs no restoring
     loop,           // opening of a group with a quantifier
     loopEnd,        //
     look,           // lookaround; also the condition of a conditional
@@ -43,6 +46,7 @@ enum class Item : uint8_t {
     extended,      // an extended character
 };
 
+/// Some bits mean one thing for items and another for brackets.
 enum Trait : uint16_t {
     traitCapture = 1 << 0,     // a capturing group: `slot`
     traitSaveOpen = 1 << 1,    // the slot must be restored when the group's opening is undone
@@ -59,6 +63,8 @@ enum Trait : uint16_t {
     traitMultiTest = 1 << 12,  // such characters must be tested one by one
     traitPossessive = 1 << 13, // giving back what the repeat took can never help
     traitLeading = 1 << 14,    // when the attempt fails, so do those that begin inside this repeat's run
+    traitVector = 1 << 7,      // item: the class has a test for the ends of its runs
+    traitBytewise = 1 << 8,    // item: an unbounded repeat of all bytes but some below 0x80
 };
 
 inline constexpr int32_t noNode = -1;

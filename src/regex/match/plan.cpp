@@ -1,5 +1,6 @@
 #include "regex/match/plan.h"
 
+#include "base/vector.h"
 #include "regex/match/analysis.h"
 #include "regex/match/classes.h"
 #include "regex/match/structure.h"
@@ -34,12 +35,40 @@ private:
     std::size_t used_ = 0;
 };
 
+/// Inlined: every search compares the program with the plan's copy. At least 16 bytes.
+bool sameBytes(const uint8_t* a, const uint8_t* b, std::size_t size) {
+    using V = Vector<uint8_t>;
+    V differing = V::load(a + size - V::size) ^ V::load(b + size - V::size);
+    for (std::size_t at = 0; at + V::size < size; at += V::size)
+        differing = differing | (V::load(a + at) ^ V::load(b + at));
+    return differing.equal(V::zero()).lanes().all();
+}
+
 bool isValid(const Plan& plan, const tavRegExpContext& context) {
     return plan.signature == planSignature && plan.context == &context &&
            plan.program.length == context.codeLength && plan.program.groupCount == context.groupCount &&
            plan.program.options == context.options &&
-           std::memcmp(plan.copy, programOf(context),
-                       static_cast<std::size_t>(context.codeLength) * sizeof(Instruction)) == 0;
+           (plan.copySize == 0 ||
+            sameBytes(plan.copy, reinterpret_cast<const uint8_t*>(programOf(context)), plan.copySize));
+}
+
+/// The bytes of a program and the literals behind it; nothing when a literal lies elsewhere, where no copy
+/// would tell that it has changed.
+struct ProgramSize {
+    bool isKnown;
+    std::size_t bytes;
+};
+
+ProgramSize sizeOf(const Program& program) {
+    const uint8_t* const begin = reinterpret_cast<const uint8_t*>(program.code);
+    const uint8_t* end = reinterpret_cast<const uint8_t*>(program.code + program.length);
+    for (int32_t pc = 0; pc < program.length; ++pc) {
+        const Instruction& at = program.code[pc];
+        if (at.op != OP_STRING || at.b <= 0) continue;
+        if (at.text != end) return {false, 0};
+        end += at.b;
+    }
+    return {true, static_cast<std::size_t>(end - begin)};
 }
 
 bool headerHolds(const tavRegExpContext& context) {
@@ -100,10 +129,14 @@ void decodeAll(Plan& plan, Area& area) {
     }
     plan.nodes[program.length] = decode(program, program.length, {options, noNode, false});
     plan.classCount = classes.count();
+    const auto room = static_cast<int32_t>(area.left() / sizeof(RunTest));
+    plan.runTestCount = plan.classCount < room ? plan.classCount : room;
+    plan.runTests = area.take<RunTest>(static_cast<std::size_t>(plan.runTestCount));
 }
 
-void build(Plan& plan, tavRegExpContext& context) {
+void build(Plan& plan, tavRegExpContext& context, uint32_t shortcuts) {
     plan.signature = 0;
+    plan.shortcuts = shortcuts;
     plan.context = &context;
     plan.program = programFrom(context);
     plan.state = PlanState::malformed;
@@ -128,22 +161,30 @@ void build(Plan& plan, tavRegExpContext& context) {
     plan.requiredByte = -1;
     plan.state = PlanState::direct;
     const auto length = static_cast<std::size_t>(context.codeLength);
-    plan.copy = area.take<Instruction>(length);
+    const ProgramSize size = sizeOf(plan.program);
+    plan.copySize = size.bytes;
+    plan.copy = area.take<uint8_t>(size.bytes);
     plan.nodes = area.take<Node>(length + 1);
     if (plan.copy == nullptr || plan.nodes == nullptr) return;
 
-    std::memcpy(plan.copy, plan.program.code, length * sizeof(Instruction));
+    std::memcpy(plan.copy, plan.program.code, size.bytes);
     decodeAll(plan, area);
     analyse(plan);
     plan.state = PlanState::ready;
-    plan.signature = planSignature;
+    if (size.isKnown) plan.signature = planSignature;
 }
 
 } // namespace
 
 const Plan& planFor(tavRegExpContext& context) {
     Plan& plan = *reinterpret_cast<Plan*>(context.workArea);
-    if (!isValid(plan, context)) build(plan, context);
+    if (!isValid(plan, context)) build(plan, context, everyShortcut);
+    return plan;
+}
+
+Plan& planWith(tavRegExpContext& context, uint32_t shortcuts) {
+    Plan& plan = *reinterpret_cast<Plan*>(context.workArea);
+    build(plan, context, shortcuts);
     return plan;
 }
 

@@ -1,10 +1,10 @@
 // What the matcher knows about a program, kept in the context's work area.
 //
-// The plan is made by the first search and recognised by later ones: it carries a copy of the program it was
-// made from, and counts only while that copy, the context's address and the header fields that it depends on
-// are still those of the context. The area's bytes may be anything when a search begins.
+// The plan is made by the first search and recognised by later ones: it carries a copy of the program and the
+// literals that it was made from, and counts only while that copy, the context's address and the header fields
+// that it depends on are still those of the context. The area's bytes may be anything when a search begins.
 //
-//     work area:  Plan | brackets | captures | copy of the program | nodes | class tables
+//     work area:  Plan | brackets | captures | copy of program and literals | nodes | class tables | run tests
 //
 // A program too long for the area has no nodes and no tables; its instructions are decoded as they are
 // reached.
@@ -12,6 +12,8 @@
 
 #include "regex/match/decode.h"
 #include "regex/match/prefix.h"
+#include "regex/match/run_test.h"
+#include "regex/match/shortcuts.h"
 
 namespace tav::regex {
 
@@ -62,6 +64,7 @@ enum class PlanState : uint8_t {
 
 struct Plan {
     uint64_t signature;
+    uint32_t shortcuts; // those that the plan may take
     const tavRegExpContext* context;
     Program program;
     PlanState state;
@@ -77,10 +80,13 @@ struct Plan {
     int32_t firstAlternative; // the first OP_ALT_END at top level
     Bracket* brackets;
     Capture* captures;
-    Instruction* copy;
+    uint8_t* copy;    // of the program and the literals behind it, as one stretch of bytes
+    std::size_t copySize;
     Node* nodes;
     ClassTable* ascii;
     MalformedBits* malformed;
+    RunTest* runTests; // of the first `runTestCount` classes
+    int32_t runTestCount;
     bool leadingIsBytewise; // the leading run consists of one-byte characters, whatever position it begins at
     bool isClassRun;        // the program is a run of one class: `classRun`
     int32_t classRunMinimum;
@@ -88,6 +94,10 @@ struct Plan {
     ByteRanges runFollows; // StartFilter::classRun: what may follow the run
     Prefix prefix;
 };
+
+inline bool uses(const Plan& plan, Shortcut shortcut) {
+    return (plan.shortcuts & shortcut) != 0;
+}
 
 /// Is the node at `pc` the opening of a group that every attempt enters once, with one alternative?
 inline bool opensOnce(const Plan& plan, int32_t pc) {
@@ -98,5 +108,8 @@ inline bool opensOnce(const Plan& plan, int32_t pc) {
 
 /// The plan of a context: the one in its work area when it is still valid, otherwise a new one.
 const Plan& planFor(tavRegExpContext& context);
+
+/// A new plan with some of the shortcuts only; the following searches of the context recognise it.
+Plan& planWith(tavRegExpContext& context, uint32_t shortcuts);
 
 } // namespace tav::regex

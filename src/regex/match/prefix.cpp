@@ -78,6 +78,7 @@ private:
         case Kind::item:
             return addOne(node, offset);
         case Kind::classRun:
+        case Kind::takenRun:
         case Kind::greedy:
         case Kind::lazy:
             return addRepeat(node, offset);
@@ -100,6 +101,8 @@ private:
         case Kind::loopEnd:
         case Kind::matchEnd:
         case Kind::alternativeEnd:
+        case Kind::captureStart:
+        case Kind::captureEnd:
             break;
         }
         stopAt(offset);
