@@ -1,7 +1,7 @@
 // Survival: whatever the pattern, nothing is read or written outside, a program that was accepted is well
 // formed, machine stack and time stay within bounds. Pattern, options and block end at forbidden pages.
 #include "regex/compile/pattern.h"
-#include "unicode/properties.h"
+#include "regex/compile/well_formed.h"
 
 #include <gtest/gtest.h>
 
@@ -19,209 +19,6 @@ using namespace tav::regex;
 using tavtest::Pattern;
 using tavtest::repeated;
 
-/// Walks an accepted program and asserts everything that the matcher takes for granted.
-class WellFormed {
-public:
-    WellFormed(Pattern& pattern, std::size_t patternLength)
-        : context_(pattern.context()), program_(programOf(context_)),
-          slots_(static_cast<int64_t>(patternLength) + 1),
-          end_(reinterpret_cast<const uint8_t*>(program_ + slots_)) {}
-
-    testing::AssertionResult check() {
-        if (context_.tag != contextTag) return bad("tag", 0);
-        if (context_.codeLength < 0 || context_.codeLength > slots_)
-            return bad("codeLength", context_.codeLength);
-        if (context_.groupCount < 1 || context_.groupCount > bracketLimit)
-            return bad("groupCount", context_.groupCount);
-        if (context_.matchLimit != 10000 || context_.format != 1) return bad("defaults", 0);
-        pool_ = reinterpret_cast<const uint8_t*>(program_ + context_.codeLength);
-        if (!sequence(0, context_.codeLength, 0)) return bad(what_, at_);
-        if (!literalsInOrder()) return bad("literal pool", at_);
-        if (!summaries()) return bad(what_, context_.lastLiteral);
-        return testing::AssertionSuccess();
-    }
-
-private:
-    testing::AssertionResult bad(const char* what, int32_t where) const {
-        return testing::AssertionFailure() << what << " at " << where;
-    }
-
-    bool fail(const char* what, int32_t at) {
-        what_ = what;
-        at_ = at;
-        return false;
-    }
-
-    /// The instructions of one body, [from, to), of the bracket `id`. Nested bodies are visited through a
-    /// list.
-    bool sequence(int32_t from, int32_t to, int32_t id) {
-        bodies_ = {{from, to, id}};
-        while (!bodies_.empty()) {
-            const Body body = bodies_.back();
-            bodies_.pop_back();
-            for (int32_t i = body.from; i < body.to;) {
-                const int32_t next = item(i, body);
-                if (next < 0) return false;
-                i = next;
-            }
-        }
-        return true;
-    }
-
-    struct Body {
-        int32_t from;
-        int32_t to;
-        int32_t id;
-    };
-
-    /// The index behind the item at `i` and its quantifier, or -1.
-    int32_t item(int32_t i, const Body& body) {
-        const Instruction& instruction = program_[i];
-        int32_t next = i + 1;
-        if (!operands(i, false)) return -1;
-        if (instruction.op == OP_SET) {
-            next += instruction.b;
-            if (instruction.b < 1 || next > body.to) return fail("class", i), -1;
-            for (int32_t k = i + 1; k < next; ++k) {
-                if (!operands(k, true)) return -1;
-            }
-        } else if (isBracket(instruction.op)) {
-            next += instruction.b + 1;
-            if (instruction.b < 0 || next > body.to) return fail("body length", i), -1;
-            if (!bracket(i, next - 1)) return -1;
-            bodies_.push_back({i + 1, next - 1, instruction.a});
-        } else if (instruction.op == OP_ALT_END) {
-            if (instruction.a != body.id) return fail("alternation id", i), -1;
-            return next;
-        } else if (isQuantifier(instruction.op) || instruction.op == OP_GROUP_END ||
-                   instruction.op == OP_RANGE) {
-            return fail("stray instruction", i), -1;
-        }
-        const bool repeatable =
-            instruction.op != OP_STRING && instruction.op != OP_OPTIONS && !isLookaround(instruction.op);
-        if (next < body.to && isQuantifier(program_[next].op)) {
-            const Instruction& quantifier = program_[next];
-            const bool bounds =
-                quantifier.a >= 0 && quantifier.a <= quantifier.b && quantifier.b <= unboundedRepeat;
-            if (!repeatable || !bounds || quantifier.c != 0 || quantifier.text != nullptr) {
-                return fail("quantifier", next), -1;
-            }
-            ++next;
-        }
-        return next;
-    }
-
-    bool bracket(int32_t open, int32_t close) {
-        const Instruction& opener = program_[open];
-        const Instruction& end = program_[close];
-        const bool negative = isLookaround(opener.op) || opener.op == OP_ATOMIC;
-        const int32_t id = negative ? -opener.a : opener.a;
-        if (id < 1 || id >= bracketLimit || ids_[static_cast<std::size_t>(id)])
-            return fail("bracket id", open);
-        ids_[static_cast<std::size_t>(id)] = true;
-        if (end.op != OP_GROUP_END || end.a != opener.a || (end.b & ~31) != 0)
-            return fail("bracket end", close);
-        if (end.c < -1 || end.c > 1) return fail("repeat mark", close);
-        if (opener.op == OP_COND && opener.b < 1) return fail("condition", open);
-        return true;
-    }
-
-    bool operands(int32_t at, bool member) {
-        const Instruction& i = program_[at];
-        if (i.op < firstOpcode || i.op > lastOpcode) return fail("opcode", at);
-        if (i.op != OP_STRING && i.op != OP_ULIST && i.text != nullptr) return fail("text", at);
-        switch (i.op) {
-        case OP_CHAR:
-            return (i.a >= 0 && i.a <= 255 && i.b == 0 &&
-                    (member ? i.c == 0 || i.c == -1 : (i.c & ~31) == 0)) ||
-                   fail("char", at);
-        case OP_STRING:
-            return (!member && i.b >= 2 && i.a == 0 && inPool(i)) || fail("string", at);
-        case OP_BACKREF:
-            return (!member && i.a >= 1 && i.a < 1200) || fail("reference", at);
-        case OP_TYPE:
-            return (i.a > 0 && i.a < 128 &&
-                    std::string(member ? "dDsSwW" : ".dDsSwW").find(static_cast<char>(i.a)) !=
-                        std::string::npos) ||
-                   fail("type", at);
-        case OP_RANGE:
-            return (member && static_cast<uint32_t>(i.a) <= static_cast<uint32_t>(i.b)) || fail("range", at);
-        case OP_ULIST:
-            return (i.c > 0 && inTables(i)) || fail("list", at);
-        case OP_UCHAR:
-        case OP_UPROP:
-        case OP_URANGE:
-            return true;
-        case OP_ASSERT:
-            return (!member && (i.a == anchorLineStart ||
-                                std::string("^$ABGZbz").find(static_cast<char>(i.a)) != std::string::npos)) ||
-                   fail("assertion", at);
-        case OP_CAPTURE:
-            return (!member && i.c >= 1 && i.c < context_.groupCount) || fail("slot", at);
-        default:
-            return !member || fail("member", at);
-        }
-    }
-
-    bool inPool(const Instruction& string) const {
-        const auto* const text = static_cast<const uint8_t*>(string.text);
-        return text >= pool_ && text + string.b <= end_;
-    }
-
-    /// The literals lie one behind the other, in program order, directly behind the program.
-    bool literalsInOrder() {
-        const uint8_t* expected = pool_;
-        for (int32_t i = 0; i < context_.codeLength; ++i) {
-            if (program_[i].op != OP_STRING) continue;
-            if (program_[i].text != expected) return fail("literal pool", i);
-            expected += program_[i].b;
-        }
-        return true;
-    }
-
-    bool isLiteral(int32_t i) const { return program_[i].op == OP_CHAR || program_[i].op == OP_STRING; }
-
-    /// The required final literal and the search hint, read off the program once more.
-    bool summaries() {
-        const int32_t length = context_.codeLength;
-        const int32_t last = context_.lastLiteral;
-        if (last < -2 || last >= length) return fail("lastLiteral", 0);
-        if (last >= 0 && !isLiteral(last)) return fail("lastLiteral", 0);
-        for (int32_t i = std::max(last, 0) + 1; last >= 0 && i < length; ++i) {
-            if (!isQuantifier(program_[i].op)) return fail("lastLiteral", 0);
-        }
-        int32_t alternations = 0;
-        bool alternating = length % 2 == 1;
-        for (int32_t i = 0; i < length; ++i) {
-            const bool alternation = program_[i].op == OP_ALT_END;
-            alternations += alternation;
-            alternating = alternating && (i % 2 == 1 ? alternation : isLiteral(i));
-        }
-        const bool optional = length > 1 && program_[1].op == OP_GREEDY && program_[1].a <= 0;
-        const bool starts = length > 0 && isLiteral(0) && alternations == 0 && last != -2 && !optional;
-        const int32_t hint = starts ? 1 : alternating && length >= 3 ? 2 : 0;
-        return context_.searchHint == hint || fail("searchHint", 0);
-    }
-
-    static bool inTables(const Instruction& list) {
-        const auto* const pairs = static_cast<const int32_t*>(list.text);
-        for (int32_t i = 0; i < list.c; ++i) {
-            if (pairs[2 * i] > pairs[2 * i + 1] || pairs[2 * i + 1] > 0x10FFFF) return false;
-        }
-        return true;
-    }
-
-    const tavRegExpContext& context_;
-    const Instruction* program_;
-    int64_t slots_;
-    const uint8_t* end_;
-    const uint8_t* pool_ = nullptr;
-    std::vector<Body> bodies_;
-    bool ids_[bracketLimit] = {};
-    const char* what_ = "";
-    int32_t at_ = 0;
-};
-
 bool isPatternError(tavStatus status) {
     return status <= tavStsBadEscape && status >= tavStsRepeatLimit;
 }
@@ -230,8 +27,10 @@ bool isPatternError(tavStatus status) {
 bool survives(const std::string& text, const char* options = "") {
     Pattern pattern(text, options);
     if (pattern.compiled()) {
-        EXPECT_TRUE(WellFormed(pattern, text.size()).check())
+        EXPECT_EQ(tavtest::faultOf(pattern.context(), text.size()), "")
             << testing::PrintToString(text) << " /" << options;
+        EXPECT_EQ(pattern.context().matchLimit, 10000);
+        EXPECT_EQ(pattern.context().format, 1);
         EXPECT_TRUE(pattern.workAreaUntouched()) << testing::PrintToString(text);
     } else {
         EXPECT_TRUE(isPatternError(pattern.status())) << testing::PrintToString(text);
@@ -317,7 +116,7 @@ TEST(Robustness, RandomPatterns) {
         "\\d\\d", "\\w",    "\\Q",  "\\E",      "\\1",       "\\12",     "\\89",  "\\x{",   "\\x{41}", "\\x4",
         "\\c",    "\\p{L}", "\\p{", "\\PL",     "\\b",       "^",        "$",     "\\C",    "\\X",     "\\",
         " ",      "#",      "\n",   "\xC3\xA9", "\xFF",      "\xE2\x82", "abc",   "{65536}"};
-    const auto seed = static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count());
+    const unsigned seed = 20261120;
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     std::uniform_int_distribution<std::size_t> pick(0, std::size(fragments) - 1);
@@ -334,7 +133,7 @@ TEST(Robustness, RandomPatterns) {
 }
 
 TEST(Robustness, RandomBytes) {
-    const auto seed = static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count());
+    const unsigned seed = 20261121;
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> byte(1, 255);
