@@ -15,8 +15,20 @@ if(TAVCH_WERROR)
 endif()
 
 if(TAVCH_SANITIZE)
-  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  add_link_options(-fsanitize=address,undefined)
+  set(sanitizers address,undefined)
+  if(TAVCH_SANITIZE MATCHES "^(thread|memory)$")
+    set(sanitizers ${TAVCH_SANITIZE})
+  endif()
+  add_compile_options(-fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${sanitizers})
+else()
+  # Clang's sanitizers leave their run-time to the program.
+  set(TAVCH_NO_UNDEFINED -Wl,--no-undefined)
+endif()
+
+# Coverage of every source that a fuzz target links; the fuzzer's own main is linked to the targets alone.
+if(TAVCH_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 # The library proper: no exceptions, no RTTI, nothing visible but the exports.

@@ -25,7 +25,7 @@ public:
         if (context_.groupCount < 1 || context_.groupCount > bracketLimit)
             return fail("groupCount", context_.groupCount);
         pool_ = reinterpret_cast<const uint8_t*>(program_ + context_.codeLength);
-        return sequence(0, context_.codeLength, 0) && literalsInOrder() && slotsInUse() && summaries();
+        return sequence(0, context_.codeLength, 0) && literalsInOrder() && summaries();
     }
 
     std::string fault() const { return std::string(what_) + " at " + std::to_string(at_); }
@@ -189,14 +189,6 @@ private:
         const bool starts = length > 0 && isLiteral(0) && alternations == 0 && last != -2 && !optional;
         const int32_t hint = starts ? 1 : alternating && length >= 3 ? 2 : 0;
         return context_.searchHint == hint || fail("searchHint", 0);
-    }
-
-    /// Every slot that a search fills belongs to a group.
-    bool slotsInUse() {
-        for (int32_t slot = 1; slot < context_.groupCount; ++slot) {
-            if (!usedSlots_[static_cast<std::size_t>(slot)]) return fail("slot without a group", slot);
-        }
-        return true;
     }
 
     /// A script's whole list, or the one range of a block.
