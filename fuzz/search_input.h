@@ -1,8 +1,8 @@
 // A search as an input: settings, pattern and subject.
 //
 // The settings are letters in any order: options of the pattern (s m i x g), and d: without a plan,
-// w: without shortcuts, 0: by bytes, b: a letter behind the subject, l and a digit: a small match limit, r
-// and a digit: so many result slots.
+// w: without shortcuts, k and a digit: without that one, 0: by bytes, b: a letter behind the subject, l and a
+// digit: a small match limit, r and a digit: so many result slots.
 #pragma once
 
 #include "pattern.h"
@@ -12,14 +12,13 @@ namespace tavfuzz {
 
 struct SearchInput {
     tav::reference::Trial trial;
-    tav::reference::Way way = tav::reference::Way::usual;
+    tav::reference::Way way = tav::reference::usually;
 };
 
 /// The reference recurses once per level: what the stack of a sanitized program holds.
 inline constexpr int32_t levelsOnTheStack = 1500;
 
 inline SearchInput readSearch(Input& input) {
-    using tav::reference::Way;
     SearchInput search;
     const std::string line = input.line();
     search.trial.options = optionLetters(line);
@@ -28,10 +27,13 @@ inline SearchInput readSearch(Input& input) {
         const int digit = i + 1 < line.size() ? (line[i + 1] - '0') & 31 : 0;
         switch (line[i]) {
         case 'd':
-            search.way = Way::direct;
+            search.way = tav::reference::directly;
             break;
         case 'w':
-            search.way = Way::withoutShortcuts;
+            search.way = tav::reference::withoutShortcuts;
+            break;
+        case 'k':
+            search.way.shortcuts &= ~(1U << digit);
             break;
         case '0':
             search.trial.format = 0;
