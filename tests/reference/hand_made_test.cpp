@@ -6,8 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <cstdio>
+#include <cstdlib>
 #include <string>
 
 namespace {
@@ -189,12 +188,12 @@ void damage(Random& random, tavRegExpContext& block) {
 }
 
 TEST(BrokenPrograms, NeverReadOrWriteOutsideTheirMemory) {
-    Random random(static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()));
-    const auto stop = std::chrono::steady_clock::now() + std::chrono::milliseconds(1500);
-    int64_t programs = 0;
-    while (std::chrono::steady_clock::now() < stop) {
+    const char* const chosen = std::getenv("TAVCH_TEST_SEED");
+    Random random(chosen ? std::strtoull(chosen, nullptr, 10) : 1);
+    for (int programs = 0; programs < 100'000;) {
         const Alphabet& alphabet = randomAlphabet(random);
-        const Compiled compiled = compile(randomPattern(random, alphabet, 6), randomOptions(random));
+        const std::string pattern = randomPattern(random, alphabet, 6);
+        const Compiled compiled = compile(pattern, randomOptions(random));
         if (!compiled) continue;
         damage(random, *compiled.block);
         ++programs;
@@ -212,7 +211,6 @@ TEST(BrokenPrograms, NeverReadOrWriteOutsideTheirMemory) {
             ASSERT_LE(found, 7);
         }
     }
-    std::printf("%lld damaged programs\n", static_cast<long long>(programs));
 }
 
 } // namespace
