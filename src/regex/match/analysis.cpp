@@ -166,8 +166,7 @@ void findRunEnds(Plan& plan) {
     for (int32_t pc = 0; pc < plan.program.length; ++pc) {
         Node& node = plan.nodes[pc];
         if (!isGreedy(node) || node.item != Item::charClass || node.index >= plan.runTestCount) continue;
-        const bool bytewise =
-            node.max == unboundedRepeat && node.min <= 1 && takesAllBeyondAscii(plan, node);
+        const bool bytewise = node.max == unboundedRepeat && node.min <= 1 && takesAllBeyondAscii(plan, node);
         if (!node.has(traitSingle) && !bytewise) continue;
         RunTest& test = plan.runTests[node.index];
         ByteSet members;
@@ -185,6 +184,8 @@ void usePlainNodes(Plan& plan) {
         Node& node = plan.nodes[pc];
         if (node.kind == Kind::classRun && (node.has(traitPossessive) || node.min == node.max))
             node.kind = Kind::takenRun;
+        if (node.kind == Kind::greedy && node.has(traitPossessive) && node.has(traitBytewise))
+            node.kind = Kind::takenBytes;
         if (node.kind == Kind::group && node.link == noNode && !node.has(traitSaveOpen)) {
             node.kind = node.has(traitCapture) ? Kind::captureStart : Kind::pass;
             node.next = pc + 1;

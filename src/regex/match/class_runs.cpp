@@ -94,59 +94,38 @@ void findClassRun(Plan& plan) {
     if (node == nullptr) return;
     ByteSet members;
     addItem(plan, *node, members);
-    plan.classRun = ByteRanges::covering(members, ByteRanges::maximum);
+    const ByteRanges ranges = ByteRanges::covering(members, ByteRanges::maximum);
+    plan.classRun.set(ranges);
     plan.classRunMinimum = node->min;
-    if (!plan.classRun.exact) return;
+    if (!ranges.exact || ranges.count == 0) return;
     if (node == plan.nodes && node->next == plan.program.length) {
         plan.isClassRun = plan.program.groupCount == 1;
         return;
     }
     const First follower = followerOf(plan, *node);
     if (!node->has(traitLeading) || follower.canBeEmpty || follower.bytes.meets(members)) return;
-    plan.runFollows = ByteRanges::covering(follower.bytes, ByteRanges::maximum);
+    const ByteRanges follows = ByteRanges::covering(follower.bytes, ByteRanges::maximum);
+    if (follows.count == 0) return;
+    plan.runFollows.set(follows);
     plan.start = StartFilter::classRun;
 }
 
-namespace {
-
-bool isIn(const ByteRanges& ranges, uint8_t byte) {
-    for (int32_t i = 0; i < ranges.count; ++i)
-        if (byte >= ranges.first[i] && byte <= ranges.last[i]) return true;
-    return false;
-}
-
-/// The beginning of the stretch that ends at `end`, or null when it is too short.
-const uint8_t* beginning(const Plan& plan, const uint8_t* floor, const uint8_t* end) {
+const uint8_t* beginningOfRun(const Plan& plan, const uint8_t* floor, const uint8_t* end) {
     const uint8_t* start = end;
     while (start != floor && plan.prefix.table[0][start[-1]])
         --start;
     return end - start >= plan.classRunMinimum ? start : nullptr;
 }
 
-} // namespace
-
-const uint8_t* nextClassRun(const Plan& plan, const uint8_t* p, const uint8_t* end) {
+PositionBlock nextRunEnd(const Plan& plan, const uint8_t* begin, const uint8_t* p, const uint8_t* last) {
+    using Bytes = Vector<uint8_t>;
+    if (p == begin) return {p, p + 1, 0}; // no run ends before the first byte
     const RangeTest isMember(plan.classRun);
     const RangeTest mayFollow(plan.runFollows);
-    const uint8_t* q = p;
-    uint64_t carry = 0; // 1: the byte before `q` is a member
-    for (; end - q >= 64; q += 64) {
-        const uint64_t members = among64(q, isMember);
-        for (uint64_t ends = (members << 1 | carry) & ~members; ends != 0; ends &= ends - 1) {
-            ends &= among64(q, mayFollow);
-            if (ends == 0) break;
-            const uint8_t* start = beginning(plan, p, q + std::countr_zero(ends));
-            if (start != nullptr) return start;
-        }
-        carry = members >> 63;
-    }
-    for (; q < end; ++q) {
-        const bool member = plan.prefix.table[0][*q] != 0;
-        if (!member && carry && isIn(plan.runFollows, *q))
-            if (const uint8_t* start = beginning(plan, p, q)) return start;
-        carry = member;
-    }
-    return carry ? beginning(plan, p, end) : nullptr;
+    return nextBlock(
+        p, last, begin + 1,
+        [&](const uint8_t* q) { return isMember(Bytes::load(q - 1)) & mayFollow(Bytes::load(q)); },
+        [&](const uint8_t* q) { return plan.prefix.table[0][q[-1]] != 0 && plan.prefix.table[0][*q] == 0; });
 }
 
 void storeClassRuns(const Plan& plan, const Subject& subject, Results& results) {

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "regex/match/machine.h"
+#include "regex/match/position_blocks.h"
 #include "regex/match/results.h"
 
 namespace tav::regex {
@@ -17,8 +18,11 @@ void findClassRun(Plan& plan);
 /// Stores every stretch of at least the class run's minimum, as long as there is room.
 void storeClassRuns(const Plan& plan, const Subject& subject, Results& results);
 
-/// The beginning, at or behind `p`, of the next stretch that ends in front of a byte that may follow it, or
-/// at `end`; null when there is none.
-const uint8_t* nextClassRun(const Plan& plan, const uint8_t* p, const uint8_t* end);
+/// The next positions from `p` up to `last` where a run ends in front of a byte that may follow it. `begin`
+/// is the beginning of the subject.
+PositionBlock nextRunEnd(const Plan& plan, const uint8_t* begin, const uint8_t* p, const uint8_t* last);
+
+/// The beginning, at or behind `floor`, of the run that ends at `end`; null when there is none long enough.
+const uint8_t* beginningOfRun(const Plan& plan, const uint8_t* floor, const uint8_t* end);
 
 } // namespace tav::regex

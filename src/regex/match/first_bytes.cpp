@@ -105,6 +105,7 @@ private:
         case Kind::item:
         case Kind::classRun:
         case Kind::takenRun:
+        case Kind::takenBytes:
         case Kind::greedy:
         case Kind::lazy:
             return addRepeat(node);

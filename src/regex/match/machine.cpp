@@ -89,7 +89,8 @@ uint32_t DirectNodes::optionsAt(int32_t pc) const {
 template <class Nodes>
 Machine<Nodes>::Machine(const Plan& plan, const Subject& subject, int32_t matchLimit)
     : plan_(plan), nodes_(plan), begin_(subject.begin), end_(subject.end), limit_(subject.limit),
-      lastBlock_(limit_ - begin_ < 16 ? nullptr : limit_ - 16), captures_(plan.captures), matchLimit_(matchLimit) {
+      lastBlock_(limit_ - begin_ < 16 ? nullptr : limit_ - 16), captures_(plan.captures),
+      matchLimit_(matchLimit) {
     useStack(firstStack_, firstCapacity, 0);
 }
 
@@ -156,8 +157,20 @@ std::size_t Machine<Nodes>::nextCapacity() const {
     return capacity > present + present / 8 ? capacity : 0;
 }
 
+/// Calls a part of the machine that is not inlined, with a copy: registers whose own address were known
+/// elsewhere could not stay in the processor's.
 template <class Nodes>
-Outcome Machine<Nodes>::run(Registers r) {
+template <class Part>
+auto Machine<Nodes>::aside(Registers& r, Part part) {
+    Registers copy = r;
+    const auto result = part(copy);
+    r = copy;
+    return result;
+}
+
+template <class Nodes>
+Outcome Machine<Nodes>::run(const Registers& from) {
+    Registers r = from;
     for (;;) {
         Step step = Step::fail;
         if (r.levels > 0) {
@@ -219,6 +232,8 @@ auto Machine<Nodes>::step(Registers& r, const Node& node) -> Step {
         return classRun(r, node);
     case Kind::takenRun:
         return takenRun(r, node);
+    case Kind::takenBytes:
+        return takenBytes(r, node);
     case Kind::greedy:
         return greedy(r, node);
     case Kind::lazy:
@@ -244,11 +259,11 @@ auto Machine<Nodes>::step(Registers& r, const Node& node) -> Step {
     case Kind::loopEnd:
         return leaveLoop(r, node);
     case Kind::look:
-        return enterLook(r, node);
+        return aside(r, [&](Registers& copy) { return enterLook(copy, node); });
     case Kind::atomic:
         return enterAtomic(r, node);
     case Kind::bodyEnd:
-        return leaveBody(r, node);
+        return aside(r, [&](Registers& copy) { return leaveBody(copy, node); });
     case Kind::conditionGroup: {
         ++r.levels; // the choice belongs to the conditional's opening
         const bool isSet = node.slot != 0 && captures_[node.slot].length != -1;
@@ -464,7 +479,8 @@ template <class Nodes>
 auto Machine<Nodes>::takeBytes(const Node& node, int32_t pc, const uint8_t* p) const -> Run {
     if (lastBlock_ == nullptr || p >= end_) return takeClass(node, pc, p);
     const uint8_t* const end = plan_.runTests[node.index].end(p, end_, lastBlock_);
-    if (end == end_ && end_ != limit_) return takeClass(node, pc, p); // the last character may go on behind it
+    if (end == end_ && end_ != limit_)
+        return takeClass(node, pc, p); // the last character may go on behind it
     if (node.min <= 0) return {p, end};
     return {end == p ? nullptr : p + unicode::decodeUtf8(p, limit_).length, end};
 }
@@ -486,6 +502,18 @@ auto Machine<Nodes>::takenRun(Registers& r, const Node& node) -> Step {
     const uint8_t* const q = runEnd(node, r.p, stop);
     if (node.has(traitLeading)) failedUpTo_ = q;
     if (q - r.p < node.min) return Step::fail;
+    r.p = q;
+    r.pc = node.next;
+    return Step::go;
+}
+
+template <class Nodes>
+auto Machine<Nodes>::takenBytes(Registers& r, const Node& node) -> Step {
+    if (lastBlock_ == nullptr || r.p >= end_) return greedy(r, node);
+    const uint8_t* const q = plan_.runTests[node.index].end(r.p, end_, lastBlock_);
+    if (q == end_ && end_ != limit_) return greedy(r, node);
+    if (node.has(traitLeading)) failedUpTo_ = q;
+    if (q == r.p && node.min > 0) return Step::fail;
     r.p = q;
     r.pc = node.next;
     return Step::go;
@@ -911,10 +939,10 @@ bool Machine<Nodes>::backtrack(Registers& r) {
             resumed = iterateLazily(r);
             break;
         case sortAtomicDone:
-            resumed = giveUpIteration(r);
+            resumed = aside(r, [&](Registers& copy) { return giveUpIteration(copy); });
             break;
         case sortBody:
-            resumed = bodyFailed(r);
+            resumed = aside(r, [&](Registers& copy) { return bodyFailed(copy); });
             break;
         case sortSlot:
             restoreSlot(*r.top--);

@@ -93,7 +93,9 @@ private:
     };
 
     Outcome matchOnLargerStack();
-    Outcome run(Registers r);
+    Outcome run(const Registers& from);
+    template <class Part>
+    TAV_HOT auto aside(Registers& r, Part part);
     Outcome resume() { return run(saved_); }
     std::size_t nextCapacity() const;
     void useStack(Record* memory, std::size_t capacity, std::size_t used);
@@ -101,6 +103,7 @@ private:
     TAV_HOT Step step(Registers& r, const Node& node);
     TAV_HOT Step classRun(Registers& r, const Node& node);
     TAV_HOT Step takenRun(Registers& r, const Node& node);
+    TAV_HOT Step takenBytes(Registers& r, const Node& node);
     TAV_HOT const uint8_t* runEnd(const Node& node, const uint8_t* p, const uint8_t* stop) const;
     TAV_HOT Run takeBytes(const Node& node, int32_t pc, const uint8_t* p) const;
     TAV_HOT Step takeRunOf(Registers& r, const Node& node, const Run& run);
@@ -153,7 +156,8 @@ private:
     const uint8_t* begin_;
     const uint8_t* end_;
     const uint8_t* limit_;
-    const uint8_t* lastBlock_; // where the last sixteen bytes begin that may be read; null when there are fewer
+    const uint8_t*
+        lastBlock_; // where the last sixteen bytes begin that may be read; null when there are fewer
     const uint8_t* start_ = nullptr;
     const uint8_t* matchEnd_ = nullptr;
     const uint8_t* failedUpTo_ = nullptr;

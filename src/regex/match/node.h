@@ -19,6 +19,7 @@ enum class Kind : uint8_t {
     item,           // one item of the sort in `item`
     classRun,       // a greedy repeat of a class whose characters are all one byte long
     takenRun,       // the same when it never gives back
+    takenBytes,     // a greedy repeat that never gives back, of a class that bytes decide
     greedy,         // a greedy repeat of `item`
     lazy,           // a lazy repeat of `item`
     assertion,      // a zero-width test

@@ -1,10 +1,12 @@
 // What the matcher knows about a program, kept in the context's work area.
 //
 // The plan is made by the first search and recognised by later ones: it carries a copy of the program and the
-// literals that it was made from, and counts only while that copy, the context's address and the header fields
-// that it depends on are still those of the context. The area's bytes may be anything when a search begins.
+// literals that it was made from, and counts only while that copy, the context's address and the header
+// fields that it depends on are still those of the context. The area's bytes may be anything when a search
+// begins.
 //
-//     work area:  Plan | brackets | captures | copy of program and literals | nodes | class tables | run tests
+//     work area:  Plan | brackets | captures | copy of program and literals | nodes | class tables | run
+//     tests
 //
 // A program too long for the area has no nodes and no tables; its instructions are decoded as they are
 // reached.
@@ -80,7 +82,7 @@ struct Plan {
     int32_t firstAlternative; // the first OP_ALT_END at top level
     Bracket* brackets;
     Capture* captures;
-    uint8_t* copy;    // of the program and the literals behind it, as one stretch of bytes
+    uint8_t* copy; // of the program and the literals behind it, as one stretch of bytes
     std::size_t copySize;
     Node* nodes;
     ClassTable* ascii;
@@ -90,8 +92,8 @@ struct Plan {
     bool leadingIsBytewise; // the leading run consists of one-byte characters, whatever position it begins at
     bool isClassRun;        // the program is a run of one class: `classRun`
     int32_t classRunMinimum;
-    ByteRanges classRun;
-    ByteRanges runFollows; // StartFilter::classRun: what may follow the run
+    RangeTable classRun;
+    RangeTable runFollows; // StartFilter::classRun: what may follow the run
     Prefix prefix;
 };
 

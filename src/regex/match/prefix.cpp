@@ -4,6 +4,7 @@
 #include "regex/match/first_bytes.h"
 #include "regex/match/plan.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace tav::regex {
@@ -43,14 +44,14 @@ private:
     }
 
     void add(int32_t offset, const Node& node) {
-        addItem(plan_, node, sets_[offset][bucket_]);
         addItem(plan_, node, bytes_[offset]);
+        if (offset < Prefix::tables) addItem(plan_, node, sets_[offset][bucket_]);
         used_ |= 1u << bucket_;
     }
 
     void addByte(int32_t offset, uint8_t byte) {
-        sets_[offset][bucket_].add(byte);
         bytes_[offset].add(byte);
+        if (offset < Prefix::tables) sets_[offset][bucket_].add(byte);
         used_ |= 1u << bucket_;
     }
 
@@ -79,6 +80,7 @@ private:
             return addOne(node, offset);
         case Kind::classRun:
         case Kind::takenRun:
+        case Kind::takenBytes:
         case Kind::greedy:
         case Kind::lazy:
             return addRepeat(node, offset);
@@ -173,7 +175,7 @@ private:
     /// What stands before the alternation stands before every alternative.
     void nextBucket(int32_t offset) {
         bucket_ = (bucket_ + 1) % buckets;
-        for (int32_t before = 0; before < offset; ++before)
+        for (int32_t before = 0; before < std::min(offset, Prefix::tables); ++before)
             sets_[before][bucket_].add(sets_[before][0]);
         if (offset > 0) used_ |= 1u << bucket_;
     }
@@ -185,36 +187,59 @@ private:
     uint32_t used_ = 0;
     bool apart_ = false;
     ByteSet bytes_[Prefix::maximum];
-    ByteSet sets_[Prefix::maximum][buckets];
+    ByteSet sets_[Prefix::tables][buckets];
 };
-
-/// Scanning pays for bytes that are not too common; beyond this nearly every block has a hit.
-constexpr int32_t tooCommon = 2000;
 
 /// Bytes so rare that looking for others beside them does not pay.
 constexpr int32_t rareEnough = 60;
 
 constexpr int32_t rangesOfAnchor = 3;
 
+/// The two offsets whose bytes are rarest. Other ranges than those of the first are few, so that a scan stays
+/// cheap.
 void chooseAnchors(const PrefixWalk& walk, Prefix& prefix) {
-    int32_t cost[2] = {tooCommon, tooCommon};
+    constexpr int32_t tooCommon = 2000; // beyond this nearly every sixteen positions have a hit
+    int32_t cost[2] = {INT32_MAX, tooCommon};
+    ByteRanges ranges[2];
     prefix.anchors = 0;
     for (int32_t offset = 0; offset < prefix.length; ++offset) {
-        const ByteRanges ranges = ByteRanges::covering(walk.bytes(offset), rangesOfAnchor);
-        const int32_t commonness = ranges.commonness();
-        if (ranges.count == 0 || commonness >= cost[1]) continue;
+        const ByteRanges here = ByteRanges::covering(walk.bytes(offset), rangesOfAnchor);
+        const int32_t commonness = here.commonness();
+        if (here.count == 0 || commonness >= cost[1]) continue;
         const int32_t place = commonness < cost[0] ? 0 : 1;
         if (place == 0) {
-            cost[1] = cost[0];
+            cost[1] = std::min(cost[0], tooCommon);
             prefix.offset[1] = prefix.offset[0];
-            prefix.ranges[1] = prefix.ranges[0];
+            ranges[1] = ranges[0];
         }
         cost[place] = commonness;
         prefix.offset[place] = offset;
-        prefix.ranges[place] = ranges;
+        ranges[place] = here;
         if (prefix.anchors < 2) ++prefix.anchors;
     }
+    if (prefix.anchors == 0) {
+        prefix.offset[0] = 0;
+        ranges[0] = ByteRanges::covering(walk.bytes(0), ByteRanges::maximum);
+        prefix.anchors = ranges[0].count > 0 ? 1 : 0;
+    }
     if (prefix.anchors == 2 && cost[0] <= rareEnough) prefix.anchors = 1;
+    prefix.isOneValue = ranges[0].isOneValue();
+    prefix.value = ranges[0].first[0];
+    prefix.ranges[0].set(ranges[0]);
+    prefix.ranges[1].set(ranges[1]);
+}
+
+/// Does a word boundary stand in front of everything, and a word character behind it?
+bool beginsWord(const Plan& plan, const ByteSet& first) {
+    if (plan.firstAlternative != noNode) return false;
+    int32_t pc = 0;
+    while (opensOnce(plan, pc))
+        ++pc;
+    const Node& node = plan.nodes[pc];
+    if (node.kind != Kind::assertion || node.byte != 'b') return false;
+    for (uint32_t byte = 0; byte < 256; ++byte)
+        if (first.has(static_cast<uint8_t>(byte)) && !isWordByte(byte)) return false;
+    return true;
 }
 
 } // namespace
@@ -224,9 +249,12 @@ void findPrefix(Plan& plan) {
     walk.run();
     Prefix& prefix = plan.prefix;
     prefix.length = walk.length();
-    for (int32_t offset = 0; offset < prefix.length; ++offset)
+    prefix.tableCount = std::min(prefix.length, Prefix::tables);
+    for (int32_t offset = 0; offset < prefix.tableCount; ++offset)
         walk.writeTable(offset, prefix.table[offset]);
+    if (prefix.length == 0) return;
     chooseAnchors(walk, prefix);
+    prefix.afterNonWord = beginsWord(plan, walk.bytes(0));
 }
 
 } // namespace tav::regex

@@ -2,27 +2,34 @@
 //
 // Alternatives at the program's start are kept apart in up to eight buckets, one bit each: a position passes
 // when some bucket accepts the bytes at all offsets. A scan looks for the two offsets with the rarest bytes,
-// sixteen positions at a time, and asks the tables where both agree.
+// sixteen positions at a time, and asks the tables where both agree. A word boundary in front of everything
+// is part of the filter.
 #pragma once
 
 #include "regex/match/byte_set.h"
 #include "regex/match/node.h"
+#include "regex/match/range_test.h"
 
 namespace tav::regex {
 
 struct Plan;
 
 struct Prefix {
-    static constexpr int32_t maximum = 6;
-    int32_t length;              // offsets known; 0: a match may begin anywhere
-    int32_t anchors;             // offsets scanned for: 0, 1 or 2
-    int32_t offset[2];           // where they are, the rarer first
-    ByteRanges ranges[2];        // what stands there, or more
-    uint8_t table[maximum][256]; // by offset and byte: the buckets that accept it
+    static constexpr int32_t maximum = 24; // offsets looked at
+    static constexpr int32_t tables = 6;   // offsets with a table
+    int32_t length;                        // offsets known; 0: a match may begin anywhere
+    int32_t tableCount;                    //
+    int32_t anchors;                       // offsets scanned for: 1 or 2; 0 when no byte can begin a match
+    int32_t offset[2];                     // where they are, the rarer first
+    bool isOneValue;                       // the rarer anchor is one value: `value`
+    bool afterNonWord;                     // a match begins at a word character behind another character
+    uint8_t value;                         //
+    RangeTable ranges[2];                  // what stands at the anchors, or more
+    uint8_t table[tables][256];            // by offset and byte: the buckets that accept it
 
     bool accepts(const uint8_t* p) const {
         uint8_t buckets = table[0][*p];
-        for (int32_t i = 1; buckets != 0 && i < length; ++i)
+        for (int32_t i = 1; buckets != 0 && i < tableCount; ++i)
             buckets &= table[i][p[i]];
         return buckets != 0;
     }

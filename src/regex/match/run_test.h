@@ -1,6 +1,6 @@
-// Where a run of a class's bytes ends, sixteen bytes at a time: the class as a few ranges of byte values, laid
-// out for vector comparison. Which bytes belong to the class is told by the table; this is the same knowledge
-// in a form that finds the end of a run without a branch per byte.
+// Where a run of a class's bytes ends, sixteen bytes at a time: the class as a few ranges of byte values,
+// laid out for vector comparison. Which bytes belong to the class is told by the table; this is the same
+// knowledge in a form that finds the end of a run without a branch per byte.
 #pragma once
 
 #include "base/vector.h"

@@ -4,17 +4,18 @@
 #include "regex/match/class_runs.h"
 #include "regex/match/range_test.h"
 #include "strings/find.h"
-#include "strings/scan.h"
+
+#include <bit>
 
 namespace tav::regex {
 
-const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) const {
+const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) {
     if (plan_.mode != StartMode::every) return rulesOut(p, end) ? after(p, p, end) : p;
     switch (plan_.start) {
     case StartFilter::prefix:
         return nextPrefix(p, end);
     case StartFilter::classRun:
-        return nextClassRun(plan_, p, end);
+        return nextClassRun(p, end);
     case StartFilter::literal:
         return nextLiteral(p, end);
     case StartFilter::lineStart:
@@ -25,7 +26,7 @@ const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) const {
     return p;
 }
 
-const uint8_t* Starts::after(const uint8_t* p, const uint8_t* known, const uint8_t* end) const {
+const uint8_t* Starts::after(const uint8_t* p, const uint8_t* known, const uint8_t* end) {
     if (plan_.mode == StartMode::only || p >= end) return nullptr;
     if (plan_.mode == StartMode::lines) {
         do
@@ -41,7 +42,13 @@ const uint8_t* Starts::after(const uint8_t* p, const uint8_t* known, const uint8
 
 /// Does the prefix rule out a match at `p`?
 bool Starts::rulesOut(const uint8_t* p, const uint8_t* end) const {
-    return plan_.start == StartFilter::prefix && (end - p < plan_.prefix.length || !plan_.prefix.accepts(p));
+    return plan_.start == StartFilter::prefix && (end - p < plan_.prefix.length || !mayBegin(p));
+}
+
+bool Starts::mayBegin(const uint8_t* q) const {
+    const Prefix& prefix = plan_.prefix;
+    if (prefix.afterNonWord && q != subject_.begin && isWordByte(q[-1])) return false;
+    return prefix.accepts(q);
 }
 
 const uint8_t* Starts::advance(const uint8_t* p) const {
@@ -67,50 +74,76 @@ const uint8_t* Starts::nextLineStart(const uint8_t* p, const uint8_t* end) const
     return lineFeed < 0 ? nullptr : p + lineFeed + 1;
 }
 
-const uint8_t* Starts::nextPrefix(const uint8_t* p, const uint8_t* end) const {
-    constexpr std::ptrdiff_t near = 8; // a scan costs more to set up than to look at these one by one
-    const Prefix& prefix = plan_.prefix;
-    const uint8_t* const last = end - prefix.length;
-    const uint8_t* const stop = prefix.anchors == 0 || last - p < near ? last : p + near;
-    const uint8_t* q = p;
-    for (; q <= stop; ++q)
-        if (prefix.accepts(q) && isStart(q, p)) return q;
-    return q <= last ? scanForPrefix(q, p, end) : nullptr;
+/// The first accepted candidate from `p` on. `fill` gives the first block with candidates from some position
+/// on; what is left of a block serves the calls that follow.
+template <class Fill, class Accept>
+const uint8_t* Starts::next(const uint8_t* p, const uint8_t* last, Fill fill, Accept accept) {
+    if (p < handedOut_ || p > block_.end || last != blockLast_) {
+        block_ = {p, p, 0};
+        blockLast_ = last;
+    } else if (p > block_.begin) {
+        const std::ptrdiff_t passed = p - block_.begin;
+        block_.bits &= passed < 64 ? ~uint64_t{0} << passed : 0;
+    }
+    for (;;) {
+        for (; block_.bits != 0; block_.bits &= block_.bits - 1) {
+            const uint8_t* const found = accept(block_.begin + std::countr_zero(block_.bits));
+            if (found == nullptr) continue;
+            handedOut_ = block_.begin + std::countr_zero(block_.bits) + 1;
+            block_.bits &= block_.bits - 1;
+            return found;
+        }
+        handedOut_ = block_.end;
+        if (block_.end > last) return nullptr;
+        block_ = fill(block_.end, last);
+    }
 }
 
-namespace {
-
-/// Which of sixteen bytes are one value?
-struct ValueTest {
-    Vector<uint8_t> value;
-    explicit ValueTest(uint8_t byte) : value(Vector<uint8_t>::splat(byte)) {}
-    Vector<uint8_t> operator()(Vector<uint8_t> bytes) const { return bytes.equal(value); }
-};
-
-/// The first accepted one of `count` positions from `p` on, where the anchors' bytes stand.
-template <class Test, class Accept>
-int64_t scanForAnchors(const Prefix& prefix, const uint8_t* p, int64_t count, const Test& rarest,
-                       Accept accept) {
-    const uint8_t* const rarestText = p + prefix.offset[0];
-    const auto rough = [&](const auto& block) { return rarest(block.load(rarestText)); };
-    if (prefix.anchors == 1) return scanForward<Seek::hit, uint8_t>(count, rough, rough, accept);
-    const RangeTest second(prefix.ranges[1]);
-    const uint8_t* const secondText = p + prefix.offset[1];
-    const auto both = [&](const auto& block) { return rough(block) & second(block.load(secondText)); };
-    return scanForward<Seek::hit, uint8_t>(count, both, both, accept);
+const uint8_t* Starts::nextPrefix(const uint8_t* p, const uint8_t* end) {
+    if (plan_.prefix.anchors == 0) return nullptr;
+    return next(
+        p, end - plan_.prefix.length,
+        [&](const uint8_t* from, const uint8_t* last) { return prefixBlock(from, last); },
+        [&](const uint8_t* q) { return mayBegin(q) && isStart(q, p) ? q : nullptr; });
 }
 
-} // namespace
-
-const uint8_t* Starts::scanForPrefix(const uint8_t* p, const uint8_t* floor, const uint8_t* end) const {
+PositionBlock Starts::prefixBlock(const uint8_t* p, const uint8_t* last) const {
+    using Bytes = Vector<uint8_t>;
     const Prefix& prefix = plan_.prefix;
-    const ByteRanges& rarest = prefix.ranges[0];
-    const int64_t count = end - p - prefix.length + 1;
-    const auto accept = [&](int64_t at) { return prefix.accepts(p + at) && isStart(p + at, floor); };
-    const int64_t found = rarest.isOneValue()
-                              ? scanForAnchors(prefix, p, count, ValueTest(rarest.first[0]), accept)
-                              : scanForAnchors(prefix, p, count, RangeTest(rarest), accept);
-    return found < 0 ? nullptr : p + found;
+    const std::ptrdiff_t rarer = prefix.offset[0], other = prefix.offset[1];
+    const auto blockBy = [&](const auto& test) {
+        return nextBlock(p, last, subject_.begin, test, [&](const uint8_t* q) { return mayBegin(q); });
+    };
+    const auto blockWith = [&](const auto& first) {
+        if (prefix.anchors == 1)
+            return blockBy([&](const uint8_t* q) { return first(Bytes::load(q + rarer)); });
+        const RangeTest second(prefix.ranges[1]);
+        return blockBy(
+            [&](const uint8_t* q) { return first(Bytes::load(q + rarer)) & second(Bytes::load(q + other)); });
+    };
+    if (prefix.isOneValue) return blockWith(ValueTest(prefix.value));
+    const RangeTest first(prefix.ranges[0]);
+    if (!prefix.afterNonWord) return blockWith(first);
+    if (p == subject_.begin) return {p, p + 1, mayBegin(p)};
+    const WordTest word;
+    return nextBlock(
+        p, last, subject_.begin + 1,
+        [&](const uint8_t* q) { return first(Bytes::load(q + rarer)).without(word(Bytes::load(q - 1))); },
+        [&](const uint8_t* q) { return mayBegin(q); });
+}
+
+/// The candidates are the ends of runs; each leads back to the beginning of its run.
+const uint8_t* Starts::nextClassRun(const uint8_t* p, const uint8_t* end) {
+    const auto accept = [&](const uint8_t* q) { return beginningOfRun(plan_, p, q); };
+    const auto fill = [&](const uint8_t* from, const uint8_t* last) {
+        return nextRunEnd(plan_, subject_.begin, from, last);
+    };
+    if (p == end) return nullptr;
+    const uint8_t(&isMember)[256] = plan_.prefix.table[0];
+    const bool runBegins = isMember[*p] && (p == subject_.begin || !isMember[p[-1]]);
+    if (runBegins && plan_.classRunMinimum == 1) return p; // often this run is the one sought
+    const uint8_t* const start = next(p, end - 1, fill, accept);
+    return start != nullptr ? start : beginningOfRun(plan_, p, end);
 }
 
 const uint8_t* Starts::nextLiteral(const uint8_t* p, const uint8_t* end) const {

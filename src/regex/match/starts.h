@@ -2,6 +2,7 @@
 #pragma once
 
 #include "regex/match/machine.h"
+#include "regex/match/position_blocks.h"
 
 namespace tav::regex {
 
@@ -13,18 +14,22 @@ public:
 
     /// The first position from `p` on, itself included, that may begin a match ending by `end`; null when
     /// none.
-    const uint8_t* from(const uint8_t* p, const uint8_t* end) const;
+    const uint8_t* from(const uint8_t* p, const uint8_t* end);
 
     /// The position to go on with when the attempt at `p` has failed and those before `known` would fail too;
     /// null when there is none.
-    const uint8_t* after(const uint8_t* p, const uint8_t* known, const uint8_t* end) const;
+    const uint8_t* after(const uint8_t* p, const uint8_t* known, const uint8_t* end);
 
 private:
     bool rulesOut(const uint8_t* p, const uint8_t* end) const;
     const uint8_t* advance(const uint8_t* p) const;
     const uint8_t* nextLine(const uint8_t* p, const uint8_t* end) const;
-    const uint8_t* nextPrefix(const uint8_t* p, const uint8_t* end) const;
-    const uint8_t* scanForPrefix(const uint8_t* p, const uint8_t* floor, const uint8_t* end) const;
+    const uint8_t* nextPrefix(const uint8_t* p, const uint8_t* end);
+    const uint8_t* nextClassRun(const uint8_t* p, const uint8_t* end);
+    PositionBlock prefixBlock(const uint8_t* p, const uint8_t* last) const;
+    template <class Fill, class Accept>
+    const uint8_t* next(const uint8_t* p, const uint8_t* last, Fill fill, Accept accept);
+    bool mayBegin(const uint8_t* q) const;
     const uint8_t* nextLiteral(const uint8_t* p, const uint8_t* end) const;
     const uint8_t* nextLineStart(const uint8_t* p, const uint8_t* end) const;
     bool isStart(const uint8_t* q, const uint8_t* floor) const;
@@ -32,6 +37,9 @@ private:
     const Plan& plan_;
     const Subject& subject_;
     bool wholeCharacters_;
+    PositionBlock block_;                // candidates found but not yet handed out
+    const uint8_t* handedOut_ = nullptr; // candidates of the block before it are gone
+    const uint8_t* blockLast_ = nullptr; // the last position when the block was made
 };
 
 } // namespace tav::regex
