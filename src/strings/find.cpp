@@ -68,7 +68,7 @@ tavStatus findRev(const E* pSrc, int32_t len, const E* pFind, int32_t lenFind, i
 template <class E>
 tavStatus findZ(const E* pSrcZ, const E* pFindZ, int32_t* pIndex) {
     if (const auto bad = Arguments::pointers(pSrcZ, pFindZ, pIndex); bad.failed()) return bad.status;
-    *pIndex = indexInZeroTerminated(pSrcZ, pFindZ, zeroTerminatedLength(pFindZ));
+    *pIndex = indexInZeroTerminated(pSrcZ, pFindZ, static_cast<int32_t>(zeroTerminatedLength(pFindZ)));
     return tavStsNoError;
 }
 
@@ -87,11 +87,11 @@ TAV_FLATTEN tavStatus findRevC(const E* pSrc, int32_t len, E valFind, int32_t* p
 }
 
 template <class E>
-tavStatus findCZ(const E* pSrcZ, E valFind, int32_t* pIndex) {
+TAV_FLATTEN tavStatus findCZ(const E* pSrcZ, E valFind, int32_t* pIndex) {
     if (const auto bad = Arguments::pointers(pSrcZ); bad.failed()) return bad.status;
     // Deliberate: a search for the terminator is the length, and does not test pIndex.
     if (valFind == 0) {
-        *pIndex = zeroTerminatedLength(pSrcZ);
+        *pIndex = static_cast<int32_t>(zeroTerminatedLength(pSrcZ));
         return tavStsNoError;
     }
     if (const auto bad = Arguments::pointers(pIndex); bad.failed()) return bad.status;

@@ -3,11 +3,14 @@
 // Shift and xor: an element is shifted out after 32 more, so only the last 32 count.
 // Times 31: the hash is a polynomial, so sixteen bytes of elements are folded into four 32-bit digits, and
 // four such rows are carried on side by side, each multiplied by a power of 31 per round.
-// Times 33 and xor: no such law; the chain stays.
+// Times 33 and xor: the text is measured up to its zero first; long texts of bytes are walked in eight
+// stretches side by side. Units of 16 bits have no such law; the chain stays.
 #include "strings/hash.h"
 
 #include "base/arguments.h"
 #include "base/vector.h"
+#include "strings/times33.h"
+#include "strings/zero_terminated.h"
 
 #include <algorithm>
 
@@ -99,6 +102,40 @@ uint32_t times31(const E* src, int32_t len) {
     return times31ByFour(src + inRows, len - inRows, h);
 }
 
+/// Four elements a step: fewer branches, so that neighbouring calls overlap.
+template <class E>
+uint32_t times33ByFour(const E* src, int64_t len, uint32_t h) {
+    int64_t i = 0;
+    for (; i + 4 <= len; i += 4) {
+        h = (h * 33) ^ src[i];
+        h = (h * 33) ^ src[i + 1];
+        h = (h * 33) ^ src[i + 2];
+        h = (h * 33) ^ src[i + 3];
+    }
+    for (; i < len; ++i) {
+        h = (h * 33) ^ src[i];
+    }
+    return h;
+}
+
+/// The hash of elements none of which is zero.
+template <class E>
+uint32_t times33WithoutZero(const E* src, int64_t len) {
+    uint32_t h = times33Seed;
+    if constexpr (sizeof(E) == 1) {
+        // The stretches stay in the nearest cache, because each is read three times.
+        constexpr int64_t round = times33::stretches * times33::granule, stretchesPay = 2 * round,
+                          most = 16384;
+        while (len >= stretchesPay) {
+            const int64_t count = std::min(len, most) / round * round;
+            h = times33::overStretches(src, count / times33::stretches, h);
+            src += count;
+            len -= count;
+        }
+    }
+    return times33ByFour(src, len, h);
+}
+
 } // namespace
 
 template <class E>
@@ -117,9 +154,9 @@ tavStatus hashTimes31(const E* pSrc, int32_t len, uint32_t* pHashVal) {
 }
 
 template <class E>
-tavStatus hashTimes33(const E* pSrc, int32_t len, uint32_t* pHashVal) {
+TAV_FLATTEN tavStatus hashTimes33(const E* pSrc, int32_t len, uint32_t* pHashVal) {
     if (const auto bad = Arguments::pointers(pSrc, pHashVal).lengths(len); bad.failed()) return bad.status;
-    *pHashVal = plain::hashTimes33(pSrc, len);
+    *pHashVal = times33WithoutZero(pSrc, zeroTerminatedLength<E>(pSrc, len));
     return tavStsNoError;
 }
 

@@ -12,38 +12,67 @@
 
 namespace tav {
 
-/// The first index below `limit` whose element is `value` or zero; `limit` when there is none.
-template <class E>
-#if defined(__SANITIZE_ADDRESS__) || defined(__clang__)
-__attribute__((no_sanitize("address"), noinline))
+#if defined(__SANITIZE_ADDRESS__)
+#define TAV_READS_WHOLE_BLOCKS __attribute__((no_sanitize("address"), noinline))
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TAV_READS_WHOLE_BLOCKS __attribute__((no_sanitize("address"), noinline))
 #endif
-int64_t
-indexOfValueOrZero(const E* text, E value, int64_t limit) {
-    using V = Vector<E>;
-    const V wanted = V::splat(value), zero = V::zero();
-    const auto misalignment = static_cast<int32_t>((reinterpret_cast<uintptr_t>(text) & 15) / sizeof(E));
-    int64_t at = -misalignment;
-    // Read through a plain pointer: a helper would be checked by the sanitizer.
-    V block{*reinterpret_cast<const __m128i*>(text + at)};
-    LaneMask<E> hits = (block.equal(wanted) | block.equal(zero)).lanes().from(misalignment);
-    while (!hits.any()) {
-        at += V::size;
-        if (at >= limit) return limit;
-        block = {*reinterpret_cast<const __m128i*>(text + at)};
-        hits = (block.equal(wanted) | block.equal(zero)).lanes();
-    }
-    return std::min(at + hits.first(), limit);
+#endif
+#if !defined(TAV_READS_WHOLE_BLOCKS)
+#define TAV_READS_WHOLE_BLOCKS
+#endif
+
+inline constexpr int64_t unlimited = std::numeric_limits<int64_t>::max() / 2;
+
+/// What a scan stops at: zero, or zero and a value.
+enum class Stop { zero, zeroOrValue };
+
+/// The places in an aligned block at which a scan stops. It is read through a plain pointer, because the
+/// helper for it would be checked by the sanitizer.
+template <Stop stop, class E>
+TAV_READS_WHOLE_BLOCKS LaneMask<E> stopsIn(const E* alignedBlock, Vector<E> value) {
+    const Vector<E> elements{*reinterpret_cast<const __m128i*>(alignedBlock)};
+    const Vector<E> zeros = elements.equal(Vector<E>::zero());
+    return stop == Stop::zero ? zeros.lanes() : (zeros | elements.equal(value)).lanes();
 }
 
+/// The first index below `limit` whose element is zero or, if it is to stop there, `value`; `limit` when
+/// there is none. One block is tested before the next is read, so that nothing is read of a block behind.
+template <Stop stop, class E>
+int64_t indexOfStop(const E* text, E value, int64_t limit) {
+    constexpr int64_t size = Vector<E>::size;
+    const auto values = Vector<E>::splat(value);
+    if (limit <= 0) return 0;
+    const auto misalignment = static_cast<int32_t>((reinterpret_cast<uintptr_t>(text) & 15) / sizeof(E));
+    int64_t at = -misalignment;
+    const LaneMask<E> first = stopsIn<stop, E>(text + at, values).from(misalignment);
+    if (first.any()) return std::min(at + first.first(), limit);
+    at += size;
+    for (; at + 4 * size <= limit; at += 4 * size) {
+        for (int64_t k = 0; k < 4 * size; k += size) {
+            const LaneMask<E> stops = stopsIn<stop, E>(text + at + k, values);
+            if (stops.any()) return at + k + stops.first();
+        }
+    }
+    for (; at < limit; at += size) {
+        const LaneMask<E> stops = stopsIn<stop, E>(text + at, values);
+        if (stops.any()) return std::min(at + stops.first(), limit);
+    }
+    return limit;
+}
+#undef TAV_READS_WHOLE_BLOCKS
+
+/// The first index below `limit` whose element is zero, or `limit`.
 template <class E>
-int32_t zeroTerminatedLength(const E* text) {
-    return static_cast<int32_t>(indexOfValueOrZero<E>(text, 0, std::numeric_limits<int64_t>::max()));
+int64_t zeroTerminatedLength(const E* text, int64_t limit = unlimited) {
+    return indexOfStop<Stop::zero>(text, E{0}, limit);
 }
 
 /// The first index of `value`, which is not zero, or -1.
 template <class E>
 int32_t indexInZeroTerminated(const E* text, E value) {
-    const int64_t found = indexOfValueOrZero(text, value, std::numeric_limits<int64_t>::max());
+    const int64_t found = indexOfStop<Stop::zeroOrValue>(text, value, unlimited);
     return text[found] == value ? static_cast<int32_t>(found) : -1;
 }
 
@@ -58,7 +87,7 @@ int32_t indexInZeroTerminated(const E* text, const E* find, int32_t lenFind) {
     int64_t searched = 0; // no occurrence starts before this index
     int64_t measured = 0; // no zero before this index
     for (int64_t window = firstWindow;; window = std::min(window * 4, largestWindow)) {
-        const int64_t gained = indexOfValueOrZero<E>(text + measured, 0, window);
+        const int64_t gained = zeroTerminatedLength(text + measured, window);
         measured += gained;
         const auto length = static_cast<int32_t>(measured - searched);
         const int32_t found = indexOf(text + searched, length, find, lenFind);

@@ -129,3 +129,44 @@ TYPED_TEST(HashTest, LongTextsAgreeWithTheOneElementRule) {
         EXPECT_EQ(this->value(Api<E>::hashMSCS, src), tav::plain::hashTimes33(src.data(), length(src)));
     }
 }
+
+TYPED_TEST(HashTest, TimesThirtyThreeAgreesOnLongTextsOfEveryKindOfByte) {
+    using E = TypeParam;
+    // Long texts are walked in stretches whose size follows from the length: all lengths between two rounds
+    // of stretches, and some beyond the longest stretch.
+    Random random(35);
+    const auto check = [&](std::size_t count, uint32_t alphabet, uint32_t from) {
+        const auto src = random.text<E>(count, alphabet, from);
+        ASSERT_EQ(this->value(Api<E>::hashMSCS, src), tav::plain::hashTimes33(src.data(), length(src)))
+            << count << " elements of " << alphabet << " values from " << from;
+    };
+    for (std::size_t count = 300; count < 520; ++count) {
+        check(count, 255, 1);
+        check(count, 26, 'a');
+    }
+    for (uint32_t value = 1; value < 256; ++value) {
+        check(1024 + value, 1, value);
+        check(1024 + value, 256 - value, value);
+    }
+    for (const std::size_t count : {16383U, 16384U, 16385U, 16384U + 128U, 2 * 16384U + 77U, 50000U}) {
+        check(count, 255, 1);
+        check(count, 127, 128);
+    }
+}
+
+TYPED_TEST(HashTest, TimesThirtyThreeTakesNothingFromBehindAZero) {
+    using E = TypeParam;
+    Random random(36);
+    GuardedBuffer<E> buffer(700);
+    for (std::size_t zero = 0; zero < 600; zero += zero < 300 ? 1 : 7) {
+        auto src = random.text<E>(601, 255, 1);
+        src[zero] = 0;
+        const uint32_t expected = tav::plain::hashTimes33(src.data(), static_cast<int32_t>(zero));
+        for (E* place :
+             {buffer.copyToTail(src.data(), src.size()), buffer.copyToHead(src.data(), src.size())}) {
+            uint32_t hash = untouched;
+            Api<E>::hashMSCS(place, length(src), &hash);
+            ASSERT_EQ(hash, expected) << zero;
+        }
+    }
+}
