@@ -134,15 +134,16 @@ int64_t scanRange(const E* src, int64_t count, const VectorRange<E>& range) {
 template <Way way, Seek seek, class E>
 int64_t scanManyTests(const E* src, int64_t count, const Analysis<E>& set) {
     using V = Vector<E>;
+    // The single values, then the ranges' first values: one array keeps the frame small.
     struct Tests {
-        V value[maxTests], first[maxTests], span[maxTests];
+        V first[maxTests], span[maxTests];
     } tests;
-    const int32_t singles = set.singles(), ranges = set.ranges();
+    const int32_t singles = set.singles(), all = singles + set.ranges();
     for (int32_t i = 0; i < singles; ++i) {
-        tests.value[i] = V::splat(set.single(i));
+        tests.first[i] = V::splat(set.single(i));
     }
-    for (int32_t i = 0; i < ranges; ++i) {
-        const VectorRange<E> range = set.range(i);
+    for (int32_t i = singles; i < all; ++i) {
+        const VectorRange<E> range = set.range(i - singles);
         tests.first[i] = range.first;
         tests.span[i] = range.span;
     }
@@ -150,9 +151,9 @@ int64_t scanManyTests(const E* src, int64_t count, const Analysis<E>& set) {
         const V values = block.load(src);
         V hits = V::zero();
         for (int32_t i = 0; i < singles; ++i) {
-            hits = hits | values.equal(tests.value[i]);
+            hits = hits | values.equal(tests.first[i]);
         }
-        for (int32_t i = 0; i < ranges; ++i) {
+        for (int32_t i = singles; i < all; ++i) {
             hits = hits | (values - tests.first[i]).atMost(tests.span[i]);
         }
         return hits;
