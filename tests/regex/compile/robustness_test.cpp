@@ -1,11 +1,11 @@
 // Survival: whatever the pattern, nothing is read or written outside, a program that was accepted is well
-// formed, machine stack and time stay within bounds. Pattern, options and block end at forbidden pages.
+// formed, machine stack stays within bounds and time grows no faster than the pattern. Pattern, options and
+// block end at forbidden pages.
 #include "regex/compile/pattern.h"
 #include "regex/compile/well_formed.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <random>
 #include <vector>
 
@@ -220,54 +220,49 @@ TEST(Robustness, TheCompilerUsesLessThan64KiBOfStack) {
 
 // Time
 
-double secondsFor(const std::string& text, bool accepted = true) {
+void expectCompiles(const std::string& text, bool accepted = true) {
     std::vector<uint64_t> block((24 * text.size() + 48056) / 8);
     int32_t errOffset = 0;
-    const auto start = std::chrono::steady_clock::now();
     const tavStatus status =
         tavsRegExpInit(text.c_str(), nullptr, reinterpret_cast<tavRegExpContext*>(block.data()), &errOffset);
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     EXPECT_EQ(status == tavStsNoError, accepted)
         << text.substr(0, 40) << " " << status << " at " << errOffset;
-    return elapsed.count();
 }
 
-/// Quadratic behaviour would take minutes at these lengths; the bound leaves room for slow machines.
+/// Quadratic work would take minutes at these lengths and run into the time limit of a test.
 TEST(Robustness, CompileTimeGrowsWithThePatternsLengthOnly) {
-    constexpr std::size_t n = 200000;
-    constexpr double bound = 2.0;
-    EXPECT_LT(secondsFor(repeated(n, "a")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "a|")), bound);
-    EXPECT_LT(secondsFor(repeated(n, ".")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "(?:ab)")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "a.(?:b)")), bound);
-    EXPECT_LT(secondsFor("(" + repeated(n, "a|") + ")"), bound);
-    EXPECT_LT(secondsFor("(" + repeated(n, "a.(?:bc)") + ")"), bound);
-    EXPECT_LT(secondsFor(repeated(998, "(?:") + repeated(n, "a.") + repeated(998, ")")), bound);
-    EXPECT_LT(secondsFor(repeated(499, "(?:a") + repeated(n, "a.") + repeated(499, "b)")), bound);
-    EXPECT_LT(secondsFor(repeated(900, "(a") + repeated(n, "b.") + repeated(900, "c)")), bound);
-    EXPECT_LT(secondsFor(repeated(900, "(?<=") + repeated(n, "b.") + repeated(900, ")")), bound);
-    EXPECT_LT(secondsFor(repeated(900, "(?<=a(?:b") + repeated(n, "b.") + repeated(900, "))"), false), bound);
-    EXPECT_LT(secondsFor(repeated(450, "(?<=a(?:b") + repeated(n, "b.") + repeated(450, "))")), bound);
-    EXPECT_LT(secondsFor(repeated(900, "(?=") + repeated(n, "b.") + repeated(900, ")+")), bound);
-    EXPECT_LT(secondsFor(repeated(900, "(|") + repeated(n, "b.") + repeated(900, "|)")), bound);
+    constexpr std::size_t n = 500000;
+    expectCompiles(repeated(n, "a"));
+    expectCompiles(repeated(n, "a|"));
+    expectCompiles(repeated(n, "."));
+    expectCompiles(repeated(n, "(?:ab)"));
+    expectCompiles(repeated(n, "a.(?:b)"));
+    expectCompiles("(" + repeated(n, "a|") + ")");
+    expectCompiles("(" + repeated(n, "a.(?:bc)") + ")");
+    expectCompiles(repeated(998, "(?:") + repeated(n, "a.") + repeated(998, ")"));
+    expectCompiles(repeated(499, "(?:a") + repeated(n, "a.") + repeated(499, "b)"));
+    expectCompiles(repeated(900, "(a") + repeated(n, "b.") + repeated(900, "c)"));
+    expectCompiles(repeated(900, "(?<=") + repeated(n, "b.") + repeated(900, ")"));
+    expectCompiles(repeated(900, "(?<=a(?:b") + repeated(n, "b.") + repeated(900, "))"), false);
+    expectCompiles(repeated(450, "(?<=a(?:b") + repeated(n, "b.") + repeated(450, "))"));
+    expectCompiles(repeated(900, "(?=") + repeated(n, "b.") + repeated(900, ")+"));
+    expectCompiles(repeated(900, "(|") + repeated(n, "b.") + repeated(900, "|)"));
 }
 
 TEST(Robustness, UnclosedPiecesAreSearchedForOnce) {
-    constexpr std::size_t n = 200000;
-    constexpr double bound = 2.0;
-    EXPECT_LT(secondsFor("[" + repeated(n, "[:x") + "]"), bound);
-    EXPECT_LT(secondsFor(repeated(n, "[[:a]")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "[[.a]")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "{1")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "{")), bound);
-    EXPECT_LT(secondsFor("a{" + repeated(n, "1")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "{1,2")), bound);
-    EXPECT_LT(secondsFor("\\Q" + repeated(n, "\\Q")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "\\Q\\E")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "(?#a)")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "(?:a)(?#)")), bound);
-    EXPECT_LT(secondsFor(repeated(n, "\\E")), bound);
+    constexpr std::size_t n = 500000;
+    expectCompiles("[" + repeated(n, "[:x") + "]");
+    expectCompiles(repeated(n, "[[:a]"));
+    expectCompiles(repeated(n, "[[.a]"));
+    expectCompiles(repeated(n, "{1"));
+    expectCompiles(repeated(n, "{"));
+    expectCompiles("a{" + repeated(n, "1"));
+    expectCompiles(repeated(n, "{1,2"));
+    expectCompiles("\\Q" + repeated(n, "\\Q"));
+    expectCompiles(repeated(n, "\\Q\\E"));
+    expectCompiles(repeated(n, "(?#a)"));
+    expectCompiles(repeated(n, "(?:a)(?#)"));
+    expectCompiles(repeated(n, "\\E"));
 }
 
 } // namespace
