@@ -23,7 +23,7 @@ install(TARGETS tavch tavch_static tavcore EXPORT tavch-targets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES include/tavch.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES include/tavch.h include/tavch.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 foreach(target IN ITEMS tavch tavcore)
   get_target_property(microsoft_library ${target} TAVCH_MICROSOFT_LIBRARY)
   if(microsoft_library)
@@ -59,7 +59,8 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${manifest})
 file(READ ${manifest} TAVCH_CONTENTS)
 configure_file(packaging/README.txt.in README.txt @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/README.txt LICENSE NOTICE DESTINATION ${TAVCH_TOP_DIR})
-install(DIRECTORY docs/ DESTINATION ${TAVCH_DOC_DIR} FILES_MATCHING PATTERN "*.md")
+# What users read; the pages for those who change the library stay in the repository.
+install(FILES docs/internals.md DESTINATION ${TAVCH_DOC_DIR})
 
 # cpack makes the packages.
 set(CPACK_PACKAGE_VENDOR "tavch")

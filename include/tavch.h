@@ -690,6 +690,8 @@ tavStatus tavsCompareIgnoreCase_16u(const uint16_t* src1, const uint16_t* src2, 
  * tavsRegExpGetSize tells the size of the whole block, which is larger than this structure; the block must
  * be aligned to 8 bytes. It is prepared by tavsRegExpInit or tavsRegExpInitAlloc and holds no pointer to the
  * pattern's text. The header fields may be read at any time; only the setters and the compiler write them.
+ * One exception: between searches the owner may set and clear bit 16 of `options`, so that one pattern looks
+ * now for one match, now for all.
  * A search writes into the work area: one search at a time per pattern, distinct patterns are independent.
  */
 typedef struct tavRegExpContext {

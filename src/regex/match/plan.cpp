@@ -44,10 +44,11 @@ bool sameBytes(const uint8_t* a, const uint8_t* b, std::size_t size) {
     return differing.equal(V::zero()).lanes().all();
 }
 
+/// A plan serves the search for one match and for all alike.
 bool isValid(const Plan& plan, const tavRegExpContext& context) {
     return plan.signature == planSignature && plan.context == &context &&
            plan.program.length == context.codeLength && plan.program.groupCount == context.groupCount &&
-           plan.program.options == context.options &&
+           ((plan.program.options ^ context.options) & ~uint32_t{optionGlobal}) == 0 &&
            (plan.copySize == 0 ||
             sameBytes(plan.copy, reinterpret_cast<const uint8_t*>(programOf(context)), plan.copySize));
 }

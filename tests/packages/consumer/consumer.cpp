@@ -1,18 +1,13 @@
-// The same in C++.
+// The same in C++, by the C++ header.
 #include <cstdio>
-#include <string_view>
-#include <tavch.h>
+#include <string>
+#include <tavch.hpp>
 
 int main() {
-    constexpr std::string_view subject = "xxABBBcyy abc";
-    tavRegExpContext* pattern = nullptr;
-    std::int32_t errOffset = 0, count = 2;
-    tavRegExpFindResult found[2];
-    if (tavsRegExpInitAlloc("a(b+)c", "i", &pattern, &errOffset) != tavStsNoError) return 1;
-    const tavStatus status =
-        tavsRegExpFind_8u(reinterpret_cast<const std::uint8_t*>(subject.data()),
-                          static_cast<std::int32_t>(subject.size()), pattern, found, &count);
-    if (status != tavStsNoError || count != 2) return 1;
-    std::printf("%.*s\n", static_cast<int>(found[1].length), reinterpret_cast<const char*>(found[1].start));
-    tavsRegExpFree(pattern);
+    tav::Pattern pattern("a(b+)c", "i");
+    if (!pattern) return 1;
+    const std::string subject = "xxABBBcyy abc";
+    const tav::Match match = pattern.find(subject);
+    std::printf("%s %s\n", std::string(match[0]).c_str(), std::string(match[1]).c_str());
+    std::printf("%s\n", pattern.replaceAll(subject, "<$1>")->c_str());
 }
