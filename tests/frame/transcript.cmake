@@ -1,0 +1,11 @@
+# Runs the transcript program and compares what it prints with the committed transcript, line by line.
+execute_process(COMMAND ${EMULATOR} ${PROGRAM} OUTPUT_VARIABLE printed RESULT_VARIABLE result)
+file(READ ${EXPECTED} expected)
+string(REPLACE "\r\n" "\n" printed "${printed}")
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "the program ends with ${result}")
+endif()
+if(NOT printed STREQUAL expected)
+  file(WRITE ${OUTPUT} "${printed}")
+  message(FATAL_ERROR "the transcript differs from ${EXPECTED}; this build's is in ${OUTPUT}")
+endif()
