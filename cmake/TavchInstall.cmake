@@ -55,6 +55,8 @@ foreach(program IN ITEMS tavgrep tavexplain)
   endif()
 endforeach()
 
+install(FILES python/tavch.py DESTINATION ${TAVCH_PYTHON_DIR})
+
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${manifest})
 file(READ ${manifest} TAVCH_CONTENTS)
 configure_file(packaging/README.txt.in README.txt @ONLY)
