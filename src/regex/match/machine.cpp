@@ -87,36 +87,15 @@ uint32_t DirectNodes::optionsAt(int32_t pc) const {
 }
 
 template <class Nodes>
-Machine<Nodes>::Machine(const Plan& plan, const Subject& subject, int32_t matchLimit)
-    : plan_(plan), nodes_(plan), begin_(subject.begin), end_(subject.end), limit_(subject.limit),
-      lastBlock_(limit_ - begin_ < 16 ? nullptr : limit_ - 16), captures_(plan.captures),
-      matchLimit_(matchLimit) {
-    useStack(firstStack_, firstCapacity, 0);
-}
-
-template <class Nodes>
 void Machine<Nodes>::useStack(Record* memory, std::size_t capacity, std::size_t used) {
     stack_ = memory;
-    stackEnd_ = memory + capacity - 2; // undoing may briefly need one record more than was there
+    stackEnd_ = endOf(memory, capacity);
     saved_.top = memory + used;
 }
 
 template <class Nodes>
-Outcome Machine<Nodes>::match(const uint8_t* start, const uint8_t* end, bool notEmpty) {
-    start_ = start;
-    failedUpTo_ = start;
-    end_ = end;
-    notEmpty_ = notEmpty;
-    if (capturesDirty_ || plan_.capturesStay)
-        for (int32_t slot = 0; slot < plan_.program.groupCount; ++slot)
-            captures_[slot] = {0, -1};
-    Registers r{start, 0, matchLimit_, stack_};
-    if (plan_.firstAlternative != noNode)
-        *++r.top = {what(sortAlternative, 0), offset(start), plan_.firstAlternative, matchLimit_};
-    Outcome outcome = run(r);
-    if (outcome == Outcome::full) outcome = matchOnLargerStack();
-    capturesDirty_ = outcome == Outcome::matched;
-    return outcome;
+void Machine<Nodes>::pushFirstAlternative(Registers& r) const {
+    *++r.top = {what(sortAlternative, 0), offset(r.p), plan_.firstAlternative, matchLimit_};
 }
 
 /// Goes on with more room for records, taken from the machine stack: once the whole that the default limit

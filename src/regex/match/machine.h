@@ -66,10 +66,25 @@ private:
 template <class Nodes>
 class Machine {
 public:
-    Machine(const Plan& plan, const Subject& subject, int32_t matchLimit);
+    Machine(const Plan& plan, const Subject& subject, int32_t matchLimit)
+        : plan_(plan), nodes_(plan), begin_(subject.begin), end_(subject.end), limit_(subject.limit),
+          lastBlock_(limit_ - begin_ < 16 ? nullptr : limit_ - 16), captures_(plan.captures),
+          matchLimit_(matchLimit), stack_(firstStack_), stackEnd_(endOf(firstStack_, firstCapacity)) {}
 
     /// Matches the whole program at `start`. When `notEmpty` is set, an empty match does not count.
-    Outcome match(const uint8_t* start, const uint8_t* end, bool notEmpty);
+    Outcome match(const uint8_t* start, const uint8_t* end, bool notEmpty) {
+        start_ = start;
+        failedUpTo_ = start;
+        end_ = end;
+        notEmpty_ = notEmpty;
+        if (capturesDirty_ || plan_.capturesStay) clearCaptures();
+        Registers r{start, 0, matchLimit_, stack_};
+        if (plan_.firstAlternative != noNode) pushFirstAlternative(r);
+        Outcome outcome = run(r);
+        if (outcome == Outcome::full) outcome = matchOnLargerStack();
+        capturesDirty_ = outcome == Outcome::matched;
+        return outcome;
+    }
 
     /// The end of the match just found.
     const uint8_t* matchEnd() const { return matchEnd_; }
@@ -99,6 +114,15 @@ private:
     Outcome resume() { return run(saved_); }
     std::size_t nextCapacity() const;
     void useStack(Record* memory, std::size_t capacity, std::size_t used);
+    void pushFirstAlternative(Registers& r) const;
+
+    void clearCaptures() {
+        for (int32_t slot = 0; slot < plan_.program.groupCount; ++slot)
+            captures_[slot] = {0, -1};
+    }
+
+    /// Undoing may briefly need one record more than was there.
+    static Record* endOf(Record* memory, std::size_t capacity) { return memory + capacity - 2; }
 
     TAV_HOT Step step(Registers& r, const Node& node);
     TAV_HOT Step classRun(Registers& r, const Node& node);
@@ -165,7 +189,7 @@ private:
     int32_t matchLimit_;
     bool notEmpty_ = false;
     bool capturesDirty_ = true;
-    Registers saved_{};
+    Registers saved_;
     Record* stack_;
     Record* stackEnd_;
 

@@ -11,7 +11,6 @@ namespace tav::regex {
 
 namespace {
 
-constexpr uint64_t planSignature = 0x31'6E'61'6C'70'76'61'74; // "tavplan1"
 constexpr uint32_t matcherOptions = optionDotAll | optionMultiLine | optionCaseless;
 
 /// Hands out the work area from its start; what does not fit is refused as a whole.
@@ -34,24 +33,6 @@ private:
     uint8_t* base_;
     std::size_t used_ = 0;
 };
-
-/// Inlined: every search compares the program with the plan's copy. At least 16 bytes.
-bool sameBytes(const uint8_t* a, const uint8_t* b, std::size_t size) {
-    using V = Vector<uint8_t>;
-    V differing = V::load(a + size - V::size) ^ V::load(b + size - V::size);
-    for (std::size_t at = 0; at + V::size < size; at += V::size)
-        differing = differing | (V::load(a + at) ^ V::load(b + at));
-    return differing.equal(V::zero()).lanes().all();
-}
-
-/// A plan serves the search for one match and for all alike.
-bool isValid(const Plan& plan, const tavRegExpContext& context) {
-    return plan.signature == planSignature && plan.context == &context &&
-           plan.program.length == context.codeLength && plan.program.groupCount == context.groupCount &&
-           ((plan.program.options ^ context.options) & ~uint32_t{optionGlobal}) == 0 &&
-           (plan.copySize == 0 ||
-            sameBytes(plan.copy, reinterpret_cast<const uint8_t*>(programOf(context)), plan.copySize));
-}
 
 /// The bytes of a program and the literals behind it; nothing when a literal lies elsewhere, where no copy
 /// would tell that it has changed.
@@ -140,6 +121,7 @@ void build(Plan& plan, tavRegExpContext& context, uint32_t shortcuts) {
     plan.shortcuts = shortcuts;
     plan.context = &context;
     plan.program = programFrom(context);
+    plan.lastLiteral = context.lastLiteral;
     plan.state = PlanState::malformed;
     plan.mode = StartMode::every;
     plan.start = StartFilter::none;
@@ -177,10 +159,8 @@ void build(Plan& plan, tavRegExpContext& context, uint32_t shortcuts) {
 
 } // namespace
 
-const Plan& planFor(tavRegExpContext& context) {
-    Plan& plan = *reinterpret_cast<Plan*>(context.workArea);
-    if (!isValid(plan, context)) build(plan, context, everyShortcut);
-    return plan;
+const Plan& makePlan(tavRegExpContext& context) {
+    return planWith(context, everyShortcut);
 }
 
 Plan& planWith(tavRegExpContext& context, uint32_t shortcuts) {

@@ -69,6 +69,7 @@ struct Plan {
     uint32_t shortcuts; // those that the plan may take
     const tavRegExpContext* context;
     Program program;
+    int32_t lastLiteral;
     PlanState state;
     StartMode mode;
     StartFilter start;
@@ -108,8 +109,46 @@ inline bool opensOnce(const Plan& plan, int32_t pc) {
     return node.link == noNode && plan.program.code[pc].op != OP_COND;
 }
 
+inline constexpr uint64_t planSignature = 0x31'6E'61'6C'70'76'61'74; // "tavplan1"
+
+/// Are two texts of at least sixteen bytes equal? Inlined, because every search compares the program with its
+/// plan's copy.
+inline bool sameBytes(const uint8_t* a, const uint8_t* b, std::size_t size) {
+    using Bytes = Vector<uint8_t>;
+    const auto differing = [&](std::size_t at) { return Bytes::load(a + at) ^ Bytes::load(b + at); };
+    Bytes any = differing(size - 16);
+    std::size_t at = 0;
+    for (; at + 64 <= size; at += 64)
+        any = any | ((differing(at) | differing(at + 16)) | (differing(at + 32) | differing(at + 48)));
+    for (; at + 16 < size; at += 16)
+        any = any | differing(at);
+    return any.equal(Bytes::zero()).lanes().all();
+}
+
+/// A plan serves the search for one match and for all alike.
+inline bool isPlanOf(const Plan& plan, const tavRegExpContext& context) {
+    return plan.signature == planSignature && plan.context == &context &&
+           plan.program.length == context.codeLength && plan.program.groupCount == context.groupCount &&
+           ((plan.program.options ^ context.options) & ~uint32_t{optionGlobal}) == 0 &&
+           plan.lastLiteral == context.lastLiteral &&
+           (plan.copySize == 0 ||
+            sameBytes(plan.copy, reinterpret_cast<const uint8_t*>(programOf(context)), plan.copySize));
+}
+
+/// A new plan for a context.
+const Plan& makePlan(tavRegExpContext& context);
+
+/// The plan in the context's work area when it is still valid, else null.
+inline const Plan* knownPlan(const tavRegExpContext& context) {
+    const Plan& plan = *reinterpret_cast<const Plan*>(context.workArea);
+    return isPlanOf(plan, context) ? &plan : nullptr;
+}
+
 /// The plan of a context: the one in its work area when it is still valid, otherwise a new one.
-const Plan& planFor(tavRegExpContext& context);
+inline const Plan& planFor(tavRegExpContext& context) {
+    const Plan* const plan = knownPlan(context);
+    return plan != nullptr ? *plan : makePlan(context);
+}
 
 /// A new plan with some of the shortcuts only; the following searches of the context recognise it.
 Plan& planWith(tavRegExpContext& context, uint32_t shortcuts);

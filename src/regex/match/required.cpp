@@ -15,16 +15,6 @@ bool standsAt(const RequiredLiteral& literal, const uint8_t* p) {
 
 } // namespace
 
-RequiredLiteral requiredLiteral(const tavRegExpContext& context) {
-    if (context.lastLiteral < 0 || context.lastLiteral >= context.codeLength) return {};
-    const Instruction& literal = programOf(context)[context.lastLiteral];
-    const bool caseless = (static_cast<uint32_t>(literal.c) & optionCaseless) != 0;
-    // The byte of an OP_CHAR is the first one in memory of its operand.
-    if (literal.op == OP_CHAR) return {reinterpret_cast<const uint8_t*>(&literal.a), 1, caseless};
-    if (literal.op == OP_STRING) return {static_cast<const uint8_t*>(literal.text), literal.b, caseless};
-    return {};
-}
-
 int32_t firstOccurrence(const RequiredLiteral& literal, const uint8_t* subject, int32_t length) {
     if (!literal.caseless)
         return literal.length == 1 ? indexOf(subject, length, *literal.text)

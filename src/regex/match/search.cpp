@@ -62,7 +62,7 @@ private:
     }
 
     const Plan& plan_;
-    Subject subject_;
+    const Subject& subject_;
     Starts starts_;
     Machine<Nodes> machine_;
     const uint8_t* start_ = nullptr;
@@ -73,8 +73,9 @@ tavStatus statusFor(int32_t stored, int32_t wanted) {
 }
 
 template <class Nodes>
-tavStatus searchWith(const Plan& plan, const Subject& subject, const tavRegExpContext& context,
-                     tavRegExpFindResult* finds, int32_t* numFind, GlobalEntries globalEntries) {
+[[gnu::always_inline]] inline tavStatus
+searchWith(const Plan& plan, const Subject& subject, const tavRegExpContext& context,
+           tavRegExpFindResult* finds, int32_t* numFind, GlobalEntries globalEntries) {
     Search<Nodes> search(plan, subject, context);
     const int32_t groups = context.groupCount;
     Results results(finds, *numFind);
@@ -126,17 +127,11 @@ tavStatus nothingFound(const tavRegExpContext& context, int32_t* numFind) {
     return tavStsNoError;
 }
 
-tavStatus searchPlanned(const Plan& plan, const Subject& subject, const tavRegExpContext& context,
-                        tavRegExpFindResult* finds, int32_t* numFind, GlobalEntries globalEntries) {
-    switch (plan.state) {
-    case PlanState::ready:
-        return searchWith<PlannedNodes>(plan, subject, context, finds, numFind, globalEntries);
-    case PlanState::direct:
-        return searchWith<DirectNodes>(plan, subject, context, finds, numFind, globalEntries);
-    case PlanState::malformed:
-        break;
-    }
-    return nothingFound(context, numFind);
+[[gnu::noinline]] tavStatus searchUnplanned(const Plan& plan, const Subject& subject,
+                                            const tavRegExpContext& context, tavRegExpFindResult* finds,
+                                            int32_t* numFind, GlobalEntries globalEntries) {
+    if (plan.state == PlanState::malformed) return nothingFound(context, numFind);
+    return searchWith<DirectNodes>(plan, subject, context, finds, numFind, globalEntries);
 }
 
 } // namespace
@@ -162,7 +157,10 @@ tavStatus search(const uint8_t* pSrc, int32_t srcLen, tavRegExpContext* pRegExpS
     const Plan& plan = planFor(context);
     const int32_t usable = usablePart(plan, context, literal, pSrc, srcLen);
     if (usable < 0) return nothingFound(context, pNumFind);
-    return searchPlanned(plan, {pSrc, pSrc + usable, pSrc + srcLen}, context, pFind, pNumFind, globalEntries);
+    const Subject subject = {pSrc, pSrc + usable, pSrc + srcLen};
+    if (plan.state != PlanState::ready)
+        return searchUnplanned(plan, subject, context, pFind, pNumFind, globalEntries);
+    return searchWith<PlannedNodes>(plan, subject, context, pFind, pNumFind, globalEntries);
 }
 
 tavStatus find(const uint8_t* pSrc, int32_t srcLen, tavRegExpContext* pRegExpState,
