@@ -58,12 +58,9 @@ struct Vector {
     }
     void store(E* to) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), raw); }
 
+    /// Spread over 32 bits by a multiplication first: SSE2 would take a shuffle for each doubling.
     static Vector splat(E value) {
-        if constexpr (isByte) {
-            return {_mm_set1_epi8(static_cast<char>(value))};
-        } else {
-            return {_mm_set1_epi16(static_cast<short>(value))};
-        }
+        return {_mm_set1_epi32(static_cast<int>(value * (isByte ? 0x01010101U : 0x00010001U)))};
     }
     static Vector zero() { return {_mm_setzero_si128()}; }
 

@@ -25,6 +25,14 @@ tavStatus moveElements(const E* source, E* destination, int32_t count) {
         const Vector<E> first = head.load(source), last = tail.load(source);
         head.store(destination, first);
         tail.store(destination, last);
+    } else if (count <= 4 * size) {
+        const WholeBlock<E> head{0}, second{size}, third{count - 2 * size}, tail{count - size};
+        const Vector<E> a = head.load(source), b = second.load(source);
+        const Vector<E> c = third.load(source), d = tail.load(source);
+        head.store(destination, a);
+        second.store(destination, b);
+        third.store(destination, c);
+        tail.store(destination, d);
     } else {
         std::memmove(destination, source, static_cast<std::size_t>(count) * sizeof(E));
     }

@@ -1,9 +1,9 @@
 // Scans for the members (Seek::hit) or the non-members (Seek::miss) of a set given as a string of elements.
 //
-// The beginning of the text is compared with every element of the set directly, because most searches end
-// there and looking at the set first would cost more than it saves. Only what lies behind is scanned with an
-// analysed set: its values and ranges of neighbouring values as vectors, or, when these are too many, a
-// table.
+// Up to four elements are compared directly. Of a larger set the ascending runs are looked for (digits,
+// letters): few runs are range tests. What is left are scattered sets: up to sixteen elements are compared
+// directly too. In long texts a larger one is analysed, whatever its order, into values and ranges; when
+// there are too many of them, or the text is short, a table of members is looked up.
 #pragma once
 
 #include "strings/find.h"
@@ -16,14 +16,8 @@ namespace tav {
 
 namespace element_set {
 
-inline constexpr int32_t maxDirect = 16; ///< larger sets are never compared element by element in vectors
-inline constexpr int32_t maxTests = 16;  ///< a table beats more vector tests than this
-inline constexpr int64_t analysisPays = 256;
-
-/// Positions are relative to a part of the text; the wrapper brings them back.
-inline int64_t shifted(int64_t found, int64_t by) {
-    return found < 0 ? found : found + by;
-}
+inline constexpr int32_t maxTests = 16; ///< a table beats more vector tests than this
+inline constexpr int32_t analysisPays = 256;
 
 /// The values below 256 of a set, as bits.
 class LowValues {
@@ -71,9 +65,6 @@ public:
     /// Whether all values and ranges found room.
     bool complete() const { return tests_ <= maxTests; }
 
-    bool isOneRange() const { return tests_ == 1 && ranges_ == 1; }
-    bool isFewValues() const { return tests_ == singles_ && singles_ <= 4; }
-
     E single(int32_t i) const { return singleValues_[static_cast<std::size_t>(i)]; }
     int32_t singles() const { return singles_; }
     int32_t ranges() const { return ranges_; }
@@ -95,44 +86,104 @@ private:
     std::array<std::pair<E, E>, maxTests> rangeValues_;
 };
 
-/// Compares with the set's elements one after the other, straight from the set.
+/// A set of one to four elements.
+template <class E>
+struct FewValues {
+    static constexpr int32_t most = 4;
+    Vector<E> a, b, c, d;
+
+    FewValues(const E* set, int32_t lenSet)
+        : a(Vector<E>::splat(set[0])), b(Vector<E>::splat(set[lenSet > 1 ? 1 : 0])),
+          c(Vector<E>::splat(set[lenSet > 2 ? 2 : 0])), d(Vector<E>::splat(set[lenSet > 3 ? 3 : 0])) {}
+
+    Vector<E> hits(Vector<E> values) const {
+        return (values.equal(a) | values.equal(b)) | (values.equal(c) | values.equal(d));
+    }
+};
+
+/// How many elements from the first on are each one more than the one before.
+template <class E>
+[[gnu::noinline]] int32_t ascendingRun(const E* set, int32_t lenSet) {
+    constexpr int32_t values = 1 << (8 * sizeof(E)); // a run may go on from the greatest value to 0, but once
+    const auto one = Vector<E>::splat(1);
+    const auto ascends = [=](auto block) { return block.load(set + 1).equal(block.load(set) + one); };
+    const int32_t most = std::min(lenSet, values);
+    const auto end = static_cast<int32_t>(scanForward<Seek::miss, E>(most - 1, ascends));
+    return end < 0 ? most : end + 1;
+}
+
+/// The stretches of a set in which each element is one more than the one before; no more than four of them
+/// if the set is to be scanned for as runs.
+template <class E>
+class Runs {
+public:
+    Runs(const E* set, int32_t lenSet) {
+        for (int32_t from = 0; from < lenSet;) {
+            if (count_++ == most) return;
+            const E first = set[from];
+            const bool alone = from + 1 == lenSet || set[from + 1] != first + 1;
+            const int32_t length = alone ? 1 : ascendingRun(set + from, lenSet - from);
+            ranges_[static_cast<std::size_t>(count_ - 1)] = {first, static_cast<E>(first + length - 1)};
+            from += length;
+        }
+    }
+
+    bool few() const { return count_ <= most; }
+    int32_t count() const { return count_; }
+
+    /// The ranges of the runs; the first one again where there are fewer.
+    VectorRange<E> range(int32_t i) const {
+        const auto& [from, to] = ranges_[static_cast<std::size_t>(i < count_ ? i : 0)];
+        return {from, to};
+    }
+
+private:
+    static constexpr int32_t most = 4;
+    int32_t count_ = 0;
+    std::array<std::pair<E, E>, most> ranges_;
+};
+
 template <Way way, Seek seek, class E>
-int64_t scanDirect(const E* src, int64_t count, const E* set, int32_t lenSet) {
+int64_t scanRuns(const E* src, int64_t count, const Runs<E>& runs) {
+    const VectorRange<E> a = runs.range(0);
+    if (runs.count() == 1) {
+        return scan<way, seek, E>(count, [=](auto block) { return a.contains(block.load(src)); });
+    }
+    const VectorRange<E> b = runs.range(1);
+    if (runs.count() == 2) {
+        return scan<way, seek, E>(count, [=](auto block) {
+            const Vector<E> values = block.load(src);
+            return a.contains(values) | b.contains(values);
+        });
+    }
+    const VectorRange<E> c = runs.range(2), d = runs.range(3);
     return scan<way, seek, E>(count, [=](auto block) {
         const Vector<E> values = block.load(src);
+        return (a.contains(values) | b.contains(values)) | (c.contains(values) | d.contains(values));
+    });
+}
+
+/// By direct comparison with up to maxTests values.
+template <Way way, Seek seek, class E>
+int64_t scanValues(const E* src, int64_t count, const E* set, int32_t lenSet) {
+    Vector<E> members[maxTests];
+    const int32_t tests = (lenSet + 3) / 4 * 4; // the last one some times again
+    for (int32_t i = 0; i < tests; ++i) {
+        members[i] = Vector<E>::splat(set[std::min(i, lenSet - 1)]);
+    }
+    return scan<way, seek, E>(count, [&](auto block) {
+        const Vector<E> values = block.load(src);
         Vector<E> hits = Vector<E>::zero();
-        for (int32_t i = 0; i < lenSet; ++i) {
-            hits = hits | values.equal(Vector<E>::splat(set[i]));
+        for (int32_t i = 0; i < tests; i += 4) {
+            hits = hits | (values.equal(members[i]) | values.equal(members[i + 1])) |
+                   (values.equal(members[i + 2]) | values.equal(members[i + 3]));
         }
         return hits;
     });
 }
 
 template <Way way, Seek seek, class E>
-int64_t scanFewValues(const E* src, int64_t count, const Analysis<E>& set) {
-    using V = Vector<E>;
-    const int32_t singles = set.singles();
-    const auto value = [&](int32_t i) { return V::splat(set.single(i < singles ? i : 0)); };
-    const V a = value(0), b = value(1), c = value(2), d = value(3);
-    if (singles <= 2) {
-        return scan<way, seek, E>(count, [=](auto block) {
-            const V values = block.load(src);
-            return values.equal(a) | values.equal(b);
-        });
-    }
-    return scan<way, seek, E>(count, [=](auto block) {
-        const V values = block.load(src);
-        return (values.equal(a) | values.equal(b)) | (values.equal(c) | values.equal(d));
-    });
-}
-
-template <Way way, Seek seek, class E>
-int64_t scanRange(const E* src, int64_t count, const VectorRange<E>& range) {
-    return scan<way, seek, E>(count, [=](auto block) { return range.contains(block.load(src)); });
-}
-
-template <Way way, Seek seek, class E>
-int64_t scanManyTests(const E* src, int64_t count, const Analysis<E>& set) {
+int64_t scanAnalysis(const E* src, int64_t count, const Analysis<E>& set) {
     using V = Vector<E>;
     // The single values, then the ranges' first values: one array keeps the frame small.
     struct Tests {
@@ -192,40 +243,39 @@ int64_t scanByTable(const E* src, int64_t count, const E* set, int32_t lenSet) {
 }
 
 template <Way way, Seek seek, class E>
-int64_t scanAnalysed(const E* src, int64_t count, const E* set, int32_t lenSet) {
-    const Analysis<E> analysis(set, lenSet);
-    if (!analysis.complete()) return scanByTable<way, seek>(src, count, set, lenSet);
-    if (analysis.isOneRange()) return scanRange<way, seek>(src, count, analysis.range(0));
-    if (analysis.isFewValues()) return scanFewValues<way, seek>(src, count, analysis);
-    return scanManyTests<way, seek>(src, count, analysis);
+int64_t scanScattered(const E* src, int64_t count, const E* set, int32_t lenSet) {
+    if (lenSet <= maxTests) return scanValues<way, seek>(src, count, set, lenSet);
+    if (count >= analysisPays) {
+        const Analysis<E> analysis(set, lenSet);
+        if (analysis.complete()) return scanAnalysis<way, seek>(src, count, analysis);
+    }
+    return scanByTable<way, seek>(src, count, set, lenSet);
 }
 
+/// For sets that are not empty.
 template <Way way, Seek seek, class E>
-int64_t scanUnanalysed(const E* src, int64_t count, const E* set, int32_t lenSet) {
-    if (lenSet <= maxDirect) return scanDirect<way, seek>(src, count, set, lenSet);
-    return scanElements<way, seek>(src, count, [=](E value) { return indexOf(set, lenSet, value) >= 0; });
+TAV_FLATTEN [[gnu::noinline]] int32_t scanForLargerSet(const E* src, int32_t len, const E* set,
+                                                       int32_t lenSet) {
+    const Runs<E> runs(set, lenSet);
+    if (runs.few()) return static_cast<int32_t>(scanRuns<way, seek>(src, len, runs));
+    return static_cast<int32_t>(scanScattered<way, seek>(src, len, set, lenSet));
 }
 
 } // namespace element_set
 
+using element_set::FewValues;
+
 /// The first or the last position whose element is in the set (hit) or is not (miss), or -1.
 template <Way way, Seek seek, class E>
-[[gnu::noinline]] int32_t scanForSet(const E* src, int32_t len, const E* set, int32_t lenSet) {
-    using namespace element_set;
-    constexpr int32_t beginning = 4 * Vector<E>::size;
+int32_t scanForSet(const E* src, int32_t len, const E* set, int32_t lenSet) {
+    if (lenSet > FewValues<E>::most) return element_set::scanForLargerSet<way, seek>(src, len, set, lenSet);
     if (lenSet == 0) {
         if constexpr (seek == Seek::hit) return -1;
         return len == 0 ? -1 : way == Way::forward ? 0 : len - 1;
     }
-    if (len < beginning + analysisPays) {
-        return static_cast<int32_t>(scanUnanalysed<way, seek>(src, len, set, lenSet));
-    }
-    const int32_t rest = len - beginning;
-    const int32_t restAt = way == Way::forward ? beginning : 0;
-    const int32_t beginningAt = way == Way::forward ? 0 : rest;
-    const int64_t early = scanUnanalysed<way, seek>(src + beginningAt, beginning, set, lenSet);
-    if (early >= 0) return static_cast<int32_t>(early) + beginningAt;
-    return static_cast<int32_t>(shifted(scanAnalysed<way, seek>(src + restAt, rest, set, lenSet), restAt));
+    const FewValues<E> members(set, lenSet);
+    return static_cast<int32_t>(
+        scan<way, seek, E>(len, [=](auto block) { return members.hits(block.load(src)); }));
 }
 
 } // namespace tav

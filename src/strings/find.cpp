@@ -24,12 +24,12 @@ TAV_FLATTEN int32_t lastIndexOf(const E* src, int32_t len, E value) {
 }
 
 template <class E>
-int32_t indexOfAny(const E* src, int32_t len, const E* set, int32_t lenSet) {
+TAV_FLATTEN int32_t indexOfAny(const E* src, int32_t len, const E* set, int32_t lenSet) {
     return scanForSet<Way::forward, Seek::hit>(src, len, set, lenSet);
 }
 
 template <class E>
-int32_t lastIndexOfAny(const E* src, int32_t len, const E* set, int32_t lenSet) {
+TAV_FLATTEN int32_t lastIndexOfAny(const E* src, int32_t len, const E* set, int32_t lenSet) {
     return scanForSet<Way::backward, Seek::hit>(src, len, set, lenSet);
 }
 
@@ -100,7 +100,8 @@ TAV_FLATTEN tavStatus findCZ(const E* pSrcZ, E valFind, int32_t* pIndex) {
 }
 
 template <class E>
-tavStatus findCAny(const E* pSrc, int32_t len, const E* pAnyOf, int32_t lenAnyOf, int32_t* pIndex) {
+TAV_FLATTEN tavStatus findCAny(const E* pSrc, int32_t len, const E* pAnyOf, int32_t lenAnyOf,
+                               int32_t* pIndex) {
     if (const auto bad = Arguments::pointers(pSrc, pAnyOf, pIndex).lengths(len, lenAnyOf); bad.failed()) {
         return bad.status;
     }
@@ -109,7 +110,8 @@ tavStatus findCAny(const E* pSrc, int32_t len, const E* pAnyOf, int32_t lenAnyOf
 }
 
 template <class E>
-tavStatus findRevCAny(const E* pSrc, int32_t len, const E* pAnyOf, int32_t lenAnyOf, int32_t* pIndex) {
+TAV_FLATTEN tavStatus findRevCAny(const E* pSrc, int32_t len, const E* pAnyOf, int32_t lenAnyOf,
+                                  int32_t* pIndex) {
     if (const auto bad = Arguments::pointers(pSrc, pAnyOf, pIndex).lengths(len, lenAnyOf); bad.failed()) {
         return bad.status;
     }

@@ -6,8 +6,6 @@
 #include "strings/element_set.h"
 #include "strings/scan.h"
 
-#include <algorithm>
-
 namespace tav {
 
 namespace {
@@ -20,70 +18,69 @@ struct Kept {
     int32_t length() const { return end - first; }
 };
 
-/// Most texts have nothing or little to strip: so many elements at an end are tested without vectors.
-constexpr int32_t plainSteps = 4;
+enum class Ends { start, end, both };
 
-/// How many of the first elements, at most plainSteps, are members.
-template <class E, class Member>
-int32_t plainLeading(const E* src, int32_t len, const Member& isMember) {
-    const int32_t end = std::min(len, plainSteps);
-    int32_t i = 0;
-    while (i < end && isMember(src[i])) {
-        ++i;
-    }
-    return i;
+/// What stays of a text shorter than a vector, of which one block covers all.
+template <Ends ends, class E, class Block, class Test>
+Kept keptInBlock(Block block, int32_t len, const Test& isOdd) {
+    const LaneMask<E> stays = Block::valid(isOdd(block).lanes().inverse());
+    if (!stays.any()) return {0, 0};
+    Kept kept{0, len};
+    if constexpr (ends != Ends::end) kept.first = static_cast<int32_t>(block.position(stays.first()));
+    if constexpr (ends != Ends::start) kept.end = static_cast<int32_t>(block.position(stays.last())) + 1;
+    return kept;
 }
 
-/// The same from the end.
-template <class E, class Member>
-int32_t plainTrailing(const E* src, int32_t len, const Member& isMember) {
-    const int32_t end = std::min(len, plainSteps);
-    int32_t i = 0;
-    while (i < end && isMember(src[len - 1 - i])) {
-        ++i;
+/// What stays when the elements for which `isOdd` holds are stripped from the ends: `isOdd` is a test of
+/// blocks, as for a scan. Most texts have little to strip, so the outermost blocks are looked at by
+/// themselves.
+template <Ends ends, class E, class Test>
+Kept keptWhere(int32_t len, const Test& isOdd) {
+    constexpr int32_t size = Vector<E>::size;
+    if (len == 0) return {0, 0};
+    if (len < size) {
+        return withShortBlock<E>(len, [&](auto block) { return keptInBlock<ends, E>(block, len, isOdd); });
     }
-    return i;
-}
-
-/// The first element that differs from `odd`, or -1; out of line, so that the plain steps save no registers.
-template <Way way, class E>
-TAV_FLATTEN [[gnu::noinline]] int32_t scanForOther(const E* src, int32_t len, E odd) {
-    const auto odds = Vector<E>::splat(odd);
-    return static_cast<int32_t>(
-        scan<way, Seek::miss, E>(len, [=](auto block) { return block.load(src).equal(odds); }));
+    Kept kept{0, len};
+    if constexpr (ends != Ends::end) {
+        const LaneMask<E> stays = isOdd(WholeBlock<E>{0}).lanes().inverse();
+        kept.first =
+            stays.any() ? stays.first() : static_cast<int32_t>(scanForward<Seek::miss, E>(len, isOdd));
+        if (kept.first < 0) return {0, 0};
+    }
+    if constexpr (ends != Ends::start) {
+        const LaneMask<E> stays = isOdd(WholeBlock<E>{len - size}).lanes().inverse();
+        kept.end = 1 + (stays.any() ? len - size + stays.last()
+                                    : static_cast<int32_t>(scanBackward<Seek::miss, E>(len, isOdd)));
+    }
+    return kept;
 }
 
 template <class E>
 Kept keptWithout(const E* src, int32_t len, E odd) {
-    const auto isOdd = [=](E element) { return element == odd; };
-    Kept kept{plainLeading(src, len, isOdd), len};
-    if (kept.first == plainSteps) kept.first = scanForOther<Way::forward>(src, len, odd);
-    if (kept.first < 0 || kept.first == len) return {0, 0};
-    kept.end -= plainTrailing(src, len, isOdd);
-    if (len - kept.end == plainSteps) kept.end = scanForOther<Way::backward>(src, kept.end, odd) + 1;
+    if (len > 0 && src[0] != odd && src[len - 1] != odd) return {0, len}; // most texts
+    const auto odds = Vector<E>::splat(odd);
+    return keptWhere<Ends::both, E>(len, [=](auto block) { return block.load(src).equal(odds); });
+}
+
+/// The same for a set of any size.
+template <Ends ends, class E>
+Kept keptWithoutSet(const E* src, int32_t len, const E* set, int32_t lenSet) {
+    if (lenSet == 0) return {0, len};
+    if (lenSet <= FewValues<E>::most) {
+        const FewValues<E> members(set, lenSet);
+        return keptWhere<ends, E>(len, [=](auto block) { return members.hits(block.load(src)); });
+    }
+    Kept kept{0, len};
+    if constexpr (ends != Ends::end) {
+        kept.first = element_set::scanForLargerSet<Way::forward, Seek::miss>(src, len, set, lenSet);
+        if (kept.first < 0) return {0, 0};
+    }
+    if constexpr (ends != Ends::start) {
+        kept.end = 1 + element_set::scanForLargerSet<Way::backward, Seek::miss>(src, len, set, lenSet);
+    }
     return kept;
 }
-
-/// The length of the run of members that the text starts with.
-template <class E>
-int32_t leadingMembers(const E* src, int32_t len, const E* set, int32_t lenSet) {
-    const int32_t first =
-        plainLeading(src, len, [=](E element) { return plain::indexOf(set, lenSet, element) >= 0; });
-    if (first < plainSteps) return first;
-    const int32_t more = scanForSet<Way::forward, Seek::miss>(src + first, len - first, set, lenSet);
-    return more < 0 ? len : first + more;
-}
-
-/// The same for its end.
-template <class E>
-int32_t trailingMembers(const E* src, int32_t len, const E* set, int32_t lenSet) {
-    const int32_t last =
-        plainTrailing(src, len, [=](E element) { return plain::indexOf(set, lenSet, element) >= 0; });
-    if (last < plainSteps) return last;
-    return len - 1 - scanForSet<Way::backward, Seek::miss>(src, len - last, set, lenSet);
-}
-
-enum class Ends { start, end, both };
 
 template <Ends ends, class E>
 TAV_FLATTEN tavStatus trimSet(const E* pSrc, int32_t len, const E* pTrim, int32_t trimLen, E* pDst,
@@ -92,11 +89,7 @@ TAV_FLATTEN tavStatus trimSet(const E* pSrc, int32_t len, const E* pTrim, int32_
         bad.failed()) {
         return bad.status;
     }
-    Kept kept{0, len};
-    if constexpr (ends != Ends::end) kept.first = leadingMembers(pSrc, len, pTrim, trimLen);
-    if constexpr (ends != Ends::start) {
-        kept.end -= trailingMembers(pSrc + kept.first, kept.length(), pTrim, trimLen);
-    }
+    const Kept kept = keptWithoutSet<ends>(pSrc, len, pTrim, trimLen);
     *pDstLen = kept.length();
     copyElements(pSrc + kept.first, pDst, kept.length());
     return tavStsNoError;
@@ -105,7 +98,7 @@ TAV_FLATTEN tavStatus trimSet(const E* pSrc, int32_t len, const E* pTrim, int32_
 } // namespace
 
 template <class E>
-tavStatus trim(const E* pSrc, int32_t len, E odd, E* pDst, int32_t* pDstLen) {
+TAV_FLATTEN tavStatus trim(const E* pSrc, int32_t len, E odd, E* pDst, int32_t* pDstLen) {
     if (const auto bad = Arguments::pointers(pSrc, pDst, pDstLen).lengths(len); bad.failed())
         return bad.status;
     if (pSrc == pDst) {
@@ -119,7 +112,7 @@ tavStatus trim(const E* pSrc, int32_t len, E odd, E* pDst, int32_t* pDstLen) {
 }
 
 template <class E>
-tavStatus trimInPlace(E* pSrcDst, int32_t* pSrcDstLen, E odd) {
+TAV_FLATTEN tavStatus trimInPlace(E* pSrcDst, int32_t* pSrcDstLen, E odd) {
     if (const auto bad = Arguments::pointers(pSrcDst, pSrcDstLen); bad.failed()) return bad.status;
     if (*pSrcDstLen < 0) return tavStsNegativeLength;
     const Kept kept = keptWithout(pSrcDst, *pSrcDstLen, odd);

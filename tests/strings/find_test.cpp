@@ -374,7 +374,10 @@ TYPED_TEST(FindTest, EveryKindOfSetFindsItsMembersFarInALongText) {
         text<E>("!?"),               // two values
         text<E>("!?;"),              // up to four
         text<E>("0123456789"),       // one range
-        text<E>("ABCXYZ!#%"),        // ranges and values
+        text<E>("ABCxyz"),           // two ranges
+        text<E>("ABCXYZ!"),          // two ranges and a value
+        text<E>("0123ABCXYZ!"),      // three ranges and a value
+        text<E>("ABCXYZ!#%"),        // too many to be taken for ranges
         text<E>("!#%')+-/13579;=?"), // as many values as vectors are used for
         repeat("", 2),               // a table
         repeat("0123456789", 1),     // more elements than tests, but few ranges
@@ -392,6 +395,29 @@ TYPED_TEST(FindTest, EveryKindOfSetFindsItsMembersFarInALongText) {
                 }
                 src[at] = 'd';
             }
+        }
+    }
+}
+
+TYPED_TEST(FindTest, ARunThatGoesOnFromTheGreatestValueAtZeroIsOneSet) {
+    using E = TypeParam;
+    const E greatest = static_cast<E>(~E{0});
+    const auto above = [&](int32_t from, int32_t count) {
+        std::vector<E> set;
+        for (int32_t i = 0; i < count; ++i) {
+            set.push_back(static_cast<E>(greatest + from + i));
+        }
+        return set;
+    };
+    // The longest one has every value, and some of them twice.
+    for (const auto& set :
+         {above(-3, 10), above(-100, 200), above(-5, greatest + 1), above(-5, greatest + 9)}) {
+        for (const uint32_t value : {0U, 1U, 2U, 3U, 5U, 6U, 7U, 50U, 99U, 100U, 150U, greatest - 101U,
+                                     greatest - 100U, greatest - 4U, greatest - 3U, greatest - 0U}) {
+            const std::vector<E> src(40, static_cast<E>(value));
+            const bool member = std::find(set.begin(), set.end(), src[0]) != set.end();
+            ASSERT_EQ(this->findCAny(src, set), member ? 0 : -1) << value << " of " << set.size();
+            ASSERT_EQ(this->findRevCAny(src, set), member ? 39 : -1) << value << " of " << set.size();
         }
     }
 }

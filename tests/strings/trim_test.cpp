@@ -186,6 +186,34 @@ TYPED_TEST(TrimTest, EveryLengthAndPlaceAgreesWithThePlainLoop) {
     }
 }
 
+TYPED_TEST(TrimTest, EveryMarginUpToThreeVectorsIsStripped) {
+    using E = TypeParam;
+    constexpr std::size_t most = 3 * 16 / sizeof(E) + 1;
+    GuardedBuffer<E> from(200), to(200);
+    for (const char* characters : {" ", " \t", " \t\r\n", " \t\r\n;", "0123456789", "!#%')+-/1"}) {
+        const auto set = text<E>(characters);
+        for (std::size_t leading = 0; leading <= most; ++leading) {
+            for (std::size_t trailing = 0; trailing <= most; ++trailing) {
+                for (const std::size_t middle : {0U, 1U, 2U, 17U}) {
+                    std::vector<E> src(leading + middle + trailing, set.back());
+                    std::fill_n(src.begin() + static_cast<std::ptrdiff_t>(leading), middle, E{'x'});
+                    const E* place = from.copyToTail(src.data(), src.size());
+                    E* dst = to.tail(middle);
+                    int32_t dstLen = untouched;
+                    Api<E>::trimAny(place, length(src), set.data(), length(set), dst, &dstLen);
+                    ASSERT_EQ(dstLen, static_cast<int32_t>(middle)) << leading << ' ' << trailing;
+                    ASSERT_EQ(shown(dst, dstLen), std::string(middle, 'x'));
+                    if (set.size() > 1) continue;
+                    dstLen = untouched;
+                    Api<E>::trim(place, length(src), set[0], dst, &dstLen);
+                    ASSERT_EQ(dstLen, static_cast<int32_t>(middle)) << leading << ' ' << trailing;
+                    ASSERT_EQ(shown(dst, dstLen), std::string(middle, 'x'));
+                }
+            }
+        }
+    }
+}
+
 TYPED_TEST(TrimTest, LongRunsOfOneElementAgreeWithThePlainLoop) {
     using E = TypeParam;
     Random random(22);
