@@ -135,6 +135,13 @@ inline bool isPlanOf(const Plan& plan, const tavRegExpContext& context) {
             sameBytes(plan.copy, reinterpret_cast<const uint8_t*>(programOf(context)), plan.copySize));
 }
 
+/// May a search take a shortcut that needs no plan? It may unless a plan in the work area forbids it; what
+/// stands there by chance can only cost time.
+inline bool mayUse(const tavRegExpContext& context, Shortcut shortcut) {
+    const Plan& plan = *reinterpret_cast<const Plan*>(context.workArea);
+    return plan.signature != planSignature || uses(plan, shortcut);
+}
+
 /// A new plan for a context.
 const Plan& makePlan(tavRegExpContext& context);
 

@@ -2,6 +2,7 @@
 
 #include "base/arguments.h"
 #include "regex/match/class_runs.h"
+#include "regex/match/literal_matches.h"
 #include "regex/match/required.h"
 #include "regex/match/results.h"
 #include "regex/match/starts.h"
@@ -112,19 +113,19 @@ int32_t usablePart(const Plan& plan, const tavRegExpContext& context, const Requ
     return indexOf(subject, length, static_cast<uint8_t>(plan.requiredByte)) < 0 ? -1 : length;
 }
 
-/// Does a program consist of the literal alone, so that its occurrences are the matches?
-bool isLiteralAlone(const tavRegExpContext& context, const RequiredLiteral& literal) {
-    constexpr int32_t levelsOfLiteral = 2;
-    const bool beginsCharacter = (*literal.text & 0xC0) != 0x80;
-    return context.codeLength == 1 && context.groupCount == 1 && context.matchLimit >= levelsOfLiteral &&
-           !(context.options & optionGlobal) && beginsCharacter;
-}
-
 /// The answer of a search that needs no attempt to know that it fails.
 tavStatus nothingFound(const tavRegExpContext& context, int32_t* numFind) {
     if (context.matchLimit < 0 && !(context.options & optionGlobal)) return tavStsRepeatLimit;
     *numFind = 0;
     return tavStsNoError;
+}
+
+/// The answer of a search for a literal alone.
+void listLiterals(const RequiredLiteral& literal, const tavRegExpContext& context, const uint8_t* subject,
+                  int32_t length, tavRegExpFindResult* finds, int32_t* numFind) {
+    Results results(finds, context.options & optionGlobal ? *numFind : 1);
+    storeLiterals(literal, subject, length, results);
+    *numFind = results.count();
 }
 
 [[gnu::noinline]] tavStatus searchUnplanned(const Plan& plan, const Subject& subject,
@@ -145,14 +146,13 @@ tavStatus search(const uint8_t* pSrc, int32_t srcLen, tavRegExpContext* pRegExpS
     if (context.tag != contextTag) return tavStsBadContext;
 
     const RequiredLiteral literal = requiredLiteral(context);
-    if (literal.isPresent() && !literal.caseless) {
-        const int32_t at = firstOccurrence(literal, pSrc, srcLen);
-        if (at < 0) return nothingFound(context, pNumFind);
+    if (literal.isPresent()) {
         if (isLiteralAlone(context, literal)) {
-            pFind[0] = {pSrc + at, literal.length};
-            *pNumFind = 1;
+            listLiterals(literal, context, pSrc, srcLen, pFind, pNumFind);
             return tavStsNoError;
         }
+        if (!literal.caseless && firstOccurrence(literal, pSrc, srcLen) < 0)
+            return nothingFound(context, pNumFind);
     }
     const Plan& plan = planFor(context);
     const int32_t usable = usablePart(plan, context, literal, pSrc, srcLen);

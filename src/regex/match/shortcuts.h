@@ -7,18 +7,19 @@
 namespace tav::regex {
 
 enum Shortcut : uint32_t {
-    shortcutStartFilters = 1 << 0, // start positions that cannot begin a match are not tried
-    shortcutClassRuns = 1 << 1,    // patterns that are or begin with a run of one class
-    shortcutFollows = 1 << 2,      // a repeat ends only where the byte behind it stands
-    shortcutPossessive = 1 << 3,   // a repeat whose characters cannot follow it gives nothing back
-    shortcutLeadingRun = 1 << 4,   // what failed behind a leading run fails behind the rest of it
-    shortcutWholeSubject = 1 << 5, // the end behind the last required literal is left unknown
-    shortcutRequiredByte = 1 << 6, // a subject without a byte that every match holds is not searched
-    shortcutKeptCaptures = 1 << 7, // captures that no path reads before setting them are not restored
-    shortcutVectorRuns = 1 << 8,   // the ends of runs are found sixteen bytes at a time
-    shortcutPlainNodes = 1 << 9,   // nodes for the simplest cases of groups and repeats
+    shortcutStartFilters = 1 << 0,    // start positions that cannot begin a match are not tried
+    shortcutClassRuns = 1 << 1,       // patterns that are or begin with a run of one class
+    shortcutFollows = 1 << 2,         // a repeat ends only where the byte behind it stands
+    shortcutPossessive = 1 << 3,      // a repeat whose characters cannot follow it gives nothing back
+    shortcutLeadingRun = 1 << 4,      // what failed behind a leading run fails behind the rest of it
+    shortcutWholeSubject = 1 << 5,    // the end behind the last required literal is left unknown
+    shortcutRequiredByte = 1 << 6,    // a subject without a byte that every match holds is not searched
+    shortcutKeptCaptures = 1 << 7,    // captures that no path reads before setting them are not restored
+    shortcutVectorRuns = 1 << 8,      // the ends of runs are found sixteen bytes at a time
+    shortcutPlainNodes = 1 << 9,      // nodes for the simplest cases of groups and repeats
+    shortcutLiteralMatches = 1 << 10, // the occurrences of a literal that is the whole pattern are listed
 };
 
-inline constexpr uint32_t everyShortcut = (1 << 10) - 1;
+inline constexpr uint32_t everyShortcut = (1 << 11) - 1;
 
 } // namespace tav::regex
