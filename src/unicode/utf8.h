@@ -45,33 +45,36 @@ constexpr bool isContinuation(uint8_t byte) {
     return {value, length, false};
 }
 
-/// The same, with the lengths up to four written out. Inlined, so that where the next sequence begins follows
-/// from predicted branches instead of from a result.
-[[gnu::always_inline]] constexpr Utf8Sequence decodeUtf8(const uint8_t* p, const uint8_t* end) {
-    const uint8_t lead = *p;
-    if (lead < 0x80) return {lead, 1, false};
-    const Utf8Sequence malformed = {lead, 1, true};
+/// The same, with the lengths up to four written out, for `take(value, length, malformed)`. Inlined with it
+/// into each branch, so that where the next sequence begins follows from predicted branches and not from a
+/// result.
+template <class Take>
+[[gnu::always_inline]] constexpr auto takeUtf8(const uint8_t* p, const uint8_t* end, Take take) {
+    const uint32_t lead = *p;
+    if (lead < 0x80) return take(lead, 1, false);
     const auto left = end - p;
-    if (lead >= 0xC2 && lead <= 0xDF) {
-        if (left < 2 || !isContinuation(p[1])) [[unlikely]]
-            return malformed;
-        return {(lead & 0x1Fu) << 6 | (p[1] & 0x3Fu), 2, false};
+    if (lead < 0xE0) {
+        if (lead >= 0xC2 && left >= 2 && isContinuation(p[1]))
+            return take((lead & 0x1Fu) << 6 | (p[1] & 0x3Fu), 2, false);
+    } else if (lead < 0xF0) {
+        if (left >= 3 && isContinuation(p[1]) && isContinuation(p[2]) && (lead != 0xE0 || p[1] >= 0xA0))
+            return take((lead & 0x0Fu) << 12 | (p[1] & 0x3Fu) << 6 | (p[2] & 0x3Fu), 3, false);
+    } else if (lead < 0xF8) {
+        if (left >= 4 && isContinuation(p[1]) && isContinuation(p[2]) && isContinuation(p[3]) &&
+            (lead != 0xF0 || p[1] >= 0x90))
+            return take((lead & 0x07u) << 18 | (p[1] & 0x3Fu) << 12 | (p[2] & 0x3Fu) << 6 | (p[3] & 0x3Fu), 4,
+                        false);
+    } else if (left >= 5 && isContinuation(p[1])) {
+        const Utf8Sequence sequence = decodeUtf8ByRule(p, end);
+        return take(sequence.value, sequence.length, sequence.malformed);
     }
-    if ((lead & 0xF0) == 0xE0) {
-        if (left < 3 || !isContinuation(p[1]) || !isContinuation(p[2])) [[unlikely]]
-            return malformed;
-        if (lead == 0xE0 && p[1] < 0xA0) [[unlikely]]
-            return malformed; // not the shortest form
-        return {(lead & 0x0Fu) << 12 | (p[1] & 0x3Fu) << 6 | (p[2] & 0x3Fu), 3, false};
-    }
-    if ((lead & 0xF8) == 0xF0) {
-        if (left < 4 || !isContinuation(p[1]) || !isContinuation(p[2]) || !isContinuation(p[3])) [[unlikely]]
-            return malformed;
-        if (lead == 0xF0 && p[1] < 0x90) [[unlikely]]
-            return malformed;
-        return {(lead & 0x07u) << 18 | (p[1] & 0x3Fu) << 12 | (p[2] & 0x3Fu) << 6 | (p[3] & 0x3Fu), 4, false};
-    }
-    return decodeUtf8ByRule(p, end);
+    return take(lead, 1, true);
+}
+
+[[gnu::always_inline]] constexpr Utf8Sequence decodeUtf8(const uint8_t* p, const uint8_t* end) {
+    return takeUtf8(p, end, [](uint32_t value, int32_t length, bool malformed) {
+        return Utf8Sequence{value, length, malformed};
+    });
 }
 
 } // namespace tav::unicode

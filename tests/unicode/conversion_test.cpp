@@ -65,8 +65,7 @@ Bytes toBytes(const Units& source, int32_t bigEndian = 0) {
     return result.output;
 }
 
-// --------------------------------------------------------------------------------------- literal
-// expectations
+// ------------------------------------------------------------------------------------- literal expectations
 
 TEST(Utf8To16, TellingSequences) {
     const struct {
@@ -219,8 +218,7 @@ TEST(UtfConversion, CountsBeyondTheSignedRangeAreCapacities) {
     EXPECT_EQ(dstLen, 1u);
 }
 
-// --------------------------------------------------------------------------------- agreement, short
-// sequences
+// ------------------------------------------------------------------------------- agreement, short sequences
 
 template <class In>
 void expectAgreement(const std::vector<In>& source, int32_t bigEndian = 0) {
@@ -485,6 +483,61 @@ TEST(Utf8To16, MixturesAgreeWithTheReferenceBetweenGuardPagesAtEveryCapacity) {
 
 TEST(Utf16To8, MixturesAgreeWithTheReferenceBetweenGuardPagesAtEveryCapacity) {
     expectMixturesAgree<uint16_t, uint8_t>();
+}
+
+/// Two kinds of piece in turn, in runs of one to nine: what decides between the paths changes at every place
+/// of a block. The ends of all lengths fall at every place of a character.
+template <class In, class Out>
+void expectPiecesInTurnAgree() {
+    Random random(seed + 4);
+    GuardedBuffer<In> sources(capacityLimit);
+    GuardedBuffer<Out> destinations(capacityLimit);
+    for (int first = 0; first < Mixture<In>::kinds; ++first)
+        for (int second = 0; second < Mixture<In>::kinds; ++second)
+            for (const int run : {1, 2, 3, 9}) {
+                std::vector<In> text;
+                while (text.size() < 130) {
+                    for (int i = 0; i < run; ++i)
+                        Mixture<In>::append(text, first, random);
+                    Mixture<In>::append(text, second, random);
+                }
+                for (std::size_t length = 0; length <= 130; ++length) {
+                    const std::vector<In> source(text.begin(),
+                                                 text.begin() + static_cast<std::ptrdiff_t>(length));
+                    const std::size_t whole = reference(source, capacityLimit, false).output.size();
+                    for (const std::size_t more : {0u, 100u}) {
+                        expectGuardedAgreement(sources, destinations, source, whole + more, more == 0,
+                                               run / 2 % 2);
+                        if (testing::Test::HasFatalFailure()) {
+                            std::cerr << "seed " << seed + 4 << ", kinds " << first << " and " << second
+                                      << ", run " << run << ", length " << length << "\n";
+                            return;
+                        }
+                    }
+                }
+            }
+}
+
+TEST(Utf8To16, TwoKindsOfPieceInTurnAgreeWithTheReferenceAtEveryLength) {
+    expectPiecesInTurnAgree<uint8_t, uint16_t>();
+}
+
+TEST(Utf16To8, TwoKindsOfPieceInTurnAgreeWithTheReferenceAtEveryLength) {
+    expectPiecesInTurnAgree<uint16_t, uint8_t>();
+}
+
+/// Sixteen elements of telling bytes stand at every place relative to the blocks, between ASCII and between
+/// other text: what a block ends with and what begins behind it are all combinations.
+TEST(Utf8To16, TellingBytesAtEveryPlaceOfABlockAgreeWithTheReference) {
+    Random random(seed + 5);
+    for (unsigned round = 0; round < 4000; ++round) {
+        Bytes text(round % 33, round % 2 == 0 ? 'a' : 0x80);
+        for (int i = 0; i < 24; ++i)
+            text.push_back(tellingBytes[random() % std::size(tellingBytes)]);
+        text.resize(text.size() + round / 33 % 40, 'z');
+        expectAgreement(text, static_cast<int32_t>(round % 2));
+        if (HasFatalFailure()) FAIL() << "seed " << seed + 5 << ", round " << round;
+    }
 }
 
 template <class In, class Out>
