@@ -62,7 +62,9 @@ file(READ ${manifest} TAVCH_CONTENTS)
 configure_file(packaging/README.txt.in README.txt @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/README.txt LICENSE NOTICE DESTINATION ${TAVCH_TOP_DIR})
 # What users read; the pages for those who change the library stay in the repository.
-install(FILES docs/internals.md DESTINATION ${TAVCH_DOC_DIR})
+set(TAVCH_PAGES getting-started patterns replacement errors limits threads tavexplain internals)
+list(TRANSFORM TAVCH_PAGES REPLACE "(.+)" "docs/\\1.md" OUTPUT_VARIABLE pages)
+install(FILES ${pages} DESTINATION ${TAVCH_DOC_DIR})
 
 # cpack makes the packages.
 set(CPACK_PACKAGE_VENDOR "tavch")

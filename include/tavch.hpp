@@ -94,7 +94,8 @@ public:
     /// The value; an empty one after an error.
     T& operator*() & noexcept { return value_; }
     const T& operator*() const& noexcept { return value_; }
-    T&& operator*() && noexcept { return std::move(value_); }
+    /// By value, so that a loop over the value of a temporary result has something to stand on.
+    T operator*() && noexcept(std::is_nothrow_move_constructible_v<T>) { return std::move(value_); }
     T* operator->() noexcept { return &value_; }
     const T* operator->() const noexcept { return &value_; }
 

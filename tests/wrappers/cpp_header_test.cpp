@@ -280,6 +280,16 @@ TEST(CppPatternSet, TellsWhichPatternsMatch) {
     EXPECT_EQ(tav::PatternSet(0).error().status, tavStsBadCount);
 }
 
+TEST(CppPatternSet, MayBeSearchedInTheHeadOfALoop) {
+    tav::Pattern digit("\\d");
+    tav::PatternSet set(1);
+    ASSERT_FALSE(set.add(digit, 5));
+    int hits = 0;
+    for (const auto& hit : *set.find("a1"))
+        hits += hit.id == 5 && hit.match[0] == "1";
+    EXPECT_EQ(hits, 1);
+}
+
 TEST(CppStrings, AnswerForBothWidths) {
     EXPECT_EQ(tav::find("banana", "an"), 1U);
     EXPECT_EQ(tav::find(u"banana", u"an"), 1U);
