@@ -152,10 +152,8 @@ bool readsEnd(const Node& node) {
 /// Do the bytes of the class tell where a run of its characters ends, though they may be longer than a byte?
 /// They do when every byte from 0x80 up belongs to some member.
 bool takesAllBeyondAscii(const Plan& plan, const Node& node) {
-    if (!node.has(traitMultiAll)) return false;
-    for (const uint8_t bits : plan.malformed[node.index])
-        if (bits != 0xFF) return false;
-    return true;
+    return node.has(traitMultiAll) &&
+           !plan.members[node.index].complement().meets(ByteSet::between(0x80, 0xFF));
 }
 
 /// Prepares the search for the ends of long runs by vectors.

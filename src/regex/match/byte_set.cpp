@@ -2,6 +2,9 @@
 
 #include "strings/substring.h"
 
+#include <bit>
+#include <cstring>
+
 namespace tav::regex {
 
 namespace {
@@ -20,12 +23,11 @@ struct AllRanges {
     uint8_t last[128];
 
     explicit AllRanges(const ByteSet& set) {
-        for (int32_t byte = 0; byte < 256; ++byte) {
-            if (!set.has(static_cast<uint8_t>(byte))) continue;
+        for (int32_t byte = set.next(0, true); byte < 256;) {
+            const int32_t end = set.next(byte, false);
             first[count] = static_cast<uint8_t>(byte);
-            while (byte < 255 && set.has(static_cast<uint8_t>(byte + 1)))
-                ++byte;
-            last[count++] = static_cast<uint8_t>(byte);
+            last[count++] = static_cast<uint8_t>(end - 1);
+            byte = end < 256 ? set.next(end, true) : 256;
         }
     }
 
@@ -47,6 +49,28 @@ struct AllRanges {
 };
 
 } // namespace
+
+int32_t ByteSet::next(int32_t from, bool present) const {
+    for (int32_t i = from / 64; i < 4; ++i) {
+        const uint64_t word = present ? words_[i] : ~words_[i];
+        const uint64_t rest = i == from / 64 ? word >> (from % 64) << (from % 64) : word;
+        if (rest != 0) return 64 * i + std::countr_zero(rest);
+    }
+    return 256;
+}
+
+void ByteSet::writeTo(uint8_t (&table)[256], uint8_t bit) const {
+    constexpr uint64_t ones = 0x0101010101010101, oneEach = 0x8040201008040201, ceiling = 0x7F7F7F7F7F7F7F7F;
+    for (int32_t at = 0; at < 256; at += 8) {
+        // Eight neighbouring members become eight bytes of 0 or 1.
+        const uint64_t eight = words_[at / 64] >> (at % 64) & 0xFF;
+        const uint64_t present = (((eight * ones & oneEach) + ceiling) >> 7) & ones;
+        uint64_t places;
+        std::memcpy(&places, table + at, sizeof places);
+        places |= present * bit;
+        std::memcpy(table + at, &places, sizeof places);
+    }
+}
 
 ByteRanges ByteRanges::covering(const ByteSet& set, int32_t limit) {
     AllRanges all(set);

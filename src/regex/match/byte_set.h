@@ -19,6 +19,29 @@ public:
     /// The first bytes of well-formed sequences beyond ASCII.
     void addLeads() { words_[3] |= (~uint64_t{0} << 2) & (~uint64_t{0} >> 2); }
 
+    /// The values from `first` to `last`.
+    static ByteSet between(uint8_t first, uint8_t last) {
+        ByteSet set;
+        for (int i = 0; i < 4; ++i) {
+            const int low = first - 64 * i, high = last - 64 * i;
+            if (low > 63 || high < 0) continue;
+            set.words_[i] = ~uint64_t{0} << (low > 0 ? low : 0);
+            if (high < 63) set.words_[i] &= (uint64_t{2} << high) - 1;
+        }
+        return set;
+    }
+
+    void keep(const ByteSet& other) {
+        for (int i = 0; i < 4; ++i)
+            words_[i] &= other.words_[i];
+    }
+
+    /// The first value from `from` on that is in the set (or not in it); 256 when there is none.
+    int32_t next(int32_t from, bool present) const;
+
+    /// Sets a bit in the table's places of all members.
+    void writeTo(uint8_t (&table)[256], uint8_t bit) const;
+
     ByteSet complement() const {
         ByteSet others;
         for (int i = 0; i < 4; ++i)
@@ -27,6 +50,7 @@ public:
     }
 
     bool has(uint8_t byte) const { return (words_[byte / 64] >> (byte % 64) & 1) != 0; }
+    bool isEmpty() const { return (words_[0] | words_[1] | words_[2] | words_[3]) == 0; }
     bool meets(const ByteSet& other) const {
         for (int i = 0; i < 4; ++i)
             if (words_[i] & other.words_[i]) return true;

@@ -13,9 +13,7 @@ namespace {
 bool speaksOfBytes(const Plan& plan, const Node& node) {
     if (node.has(traitSingle)) return true;
     if (!node.has(traitMultiAll) || node.min > 1) return false;
-    for (const uint8_t bits : plan.malformed[node.index])
-        if (bits != 0xFF) return false;
-    return true;
+    return !plan.members[node.index].complement().meets(ByteSet::between(0x80, 0xFF));
 }
 
 /// Gathers the stretches from blocks of members.

@@ -2,6 +2,7 @@
 
 #include "regex/match/characters.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace tav::regex {
@@ -43,6 +44,81 @@ bool accepts(const Instruction& item, uint8_t byte, uint32_t options) {
                              : itemMatches(item, character, options);
 }
 
+void addRange(int32_t low, int32_t high, ByteSet& members) {
+    if (low <= high && low >= 0 && low <= 0xFF)
+        members.add(ByteSet::between(static_cast<uint8_t>(low), static_cast<uint8_t>(std::min(high, 0xFF))));
+}
+
+void addType(int32_t letter, bool dotAll, ByteSet& members) {
+    const ByteSet digits = ByteSet::between('0', '9');
+    ByteSet spaces = ByteSet::between(9, 10), words = digits;
+    addRange(12, 13, spaces);
+    spaces.add(' ');
+    addRange('A', 'Z', words);
+    addRange('a', 'z', words);
+    words.add('_');
+    switch (letter) {
+    case '.':
+        return members.add(dotAll ? ByteSet::between(0, 0xFF) : ByteSet::between('\n', '\n').complement());
+    case 'd':
+        return members.add(digits);
+    case 'D':
+        return members.add(digits.complement());
+    case 's':
+        return members.add(spaces);
+    case 'S':
+        return members.add(spaces.complement());
+    case 'w':
+        return members.add(words);
+    case 'W':
+        return members.add(words.complement());
+    default:
+        return;
+    }
+}
+
+/// Adds the bytes of one of the simple items; false for others.
+bool addSimple(const Instruction& item, uint32_t options, ByteSet& members) {
+    if (item.c != 0) return false;
+    switch (item.op) {
+    case OP_TYPE:
+        addType(item.a, (options & optionDotAll) != 0, members);
+        return true;
+    case OP_CHAR:
+        addRange(item.a, item.a, members);
+        if ((options & optionCaseless) && isAsciiLetter(static_cast<uint32_t>(item.a)))
+            addRange(item.a ^ 0x20, item.a ^ 0x20, members);
+        return true;
+    case OP_RANGE:
+        addRange(item.a, item.b, members);
+        return item.a >= 0 && !(options & optionCaseless);
+    default:
+        return false;
+    }
+}
+
+bool addSimpleMembers(const Instruction& set, uint32_t options, ByteSet& members) {
+    for (int32_t i = 1; i <= set.b; ++i)
+        if (!addSimple((&set)[i], options, members)) return false;
+    return true;
+}
+
+/// The bytes that an item accepts as characters of their own: added up where its parts are simple, else asked
+/// one by one.
+ByteSet membersOf(const Instruction& item, uint32_t options) {
+    ByteSet members;
+    if (item.op == OP_TYPE) {
+        addType(item.a, (options & optionDotAll) != 0, members);
+        return members;
+    }
+    if (item.op == OP_SET && addSimpleMembers(item, options, members))
+        return item.a < 0 ? members.complement() : members;
+    members = ByteSet();
+    for (uint32_t byte = 0; byte < 0x100; ++byte)
+        if (accepts(item, static_cast<uint8_t>(byte), options)) members.add(static_cast<uint8_t>(byte));
+    return members;
+}
+
 } // namespace
 
 void ClassBuilder::classify(int32_t pc, uint32_t options, Node& node) {
@@ -53,7 +129,7 @@ void ClassBuilder::classify(int32_t pc, uint32_t options, Node& node) {
     node.index = static_cast<uint16_t>(number);
     node.mask = bitOf(number);
     node.traits = static_cast<uint16_t>(node.traits | wide);
-    const bool single = wide == Trait{} && !acceptsMalformed(number);
+    const bool single = wide == Trait{} && !members_[number].meets(ByteSet::between(0x80, 0xFF));
     if (single) node.traits = static_cast<uint16_t>(node.traits | traitSingle);
     if (node.kind == Kind::item) node.kind = Kind::charClass;
     if (node.kind == Kind::greedy && single) node.kind = Kind::classRun;
@@ -77,20 +153,12 @@ int32_t ClassBuilder::classOf(int32_t pc, uint32_t options) {
 
 void ClassBuilder::fill(int32_t number, const Instruction& item, uint32_t options) {
     ClassTable& table = ascii_[number / 8];
-    MalformedBits& malformed = malformed_[number];
+    ByteSet& members = members_[number];
+    members = membersOf(item, options);
     if (number % 8 == 0) std::memset(table, 0, sizeof table);
-    std::memset(malformed, 0, sizeof malformed);
-    for (uint32_t byte = 0; byte < 0x80; ++byte)
-        if (accepts(item, static_cast<uint8_t>(byte), options)) table[byte] |= bitOf(number);
-    for (uint32_t byte = 0x80; byte < 0x100; ++byte)
-        if (accepts(item, static_cast<uint8_t>(byte), options))
-            malformed[(byte & 0x7F) / 8] |= static_cast<uint8_t>(1u << (byte % 8));
-}
-
-bool ClassBuilder::acceptsMalformed(int32_t number) const {
-    for (const uint8_t bits : malformed_[number])
-        if (bits != 0) return true;
-    return false;
+    ByteSet ascii = members;
+    ascii.keep(ByteSet::between(0, 0x7F));
+    ascii.writeTo(table, bitOf(number));
 }
 
 } // namespace tav::regex

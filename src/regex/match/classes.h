@@ -11,12 +11,12 @@ class ClassBuilder {
 public:
     static constexpr int32_t maximum = 128;
 
-    /// Builds into `ascii` and `malformed`, which have room for `capacity` classes.
-    ClassBuilder(const Program& program, ClassTable* ascii, MalformedBits* malformed, int32_t capacity)
-        : program_(program), ascii_(ascii), malformed_(malformed), capacity_(capacity) {}
+    /// Builds into `ascii` and `members`, which have room for `capacity` classes.
+    ClassBuilder(const Program& program, ClassTable* ascii, ByteSet* members, int32_t capacity)
+        : program_(program), ascii_(ascii), members_(members), capacity_(capacity) {}
 
     /// Bytes of the work area per eight classes.
-    static constexpr std::size_t bytesPerTable = sizeof(ClassTable) + 8 * sizeof(MalformedBits);
+    static constexpr std::size_t bytesPerTable = sizeof(ClassTable) + 8 * sizeof(ByteSet);
 
     /// Gives the node of the item at `pc` its class; leaves it as it is when there is no room.
     void classify(int32_t pc, uint32_t options, Node& node);
@@ -32,11 +32,10 @@ private:
 
     int32_t classOf(int32_t pc, uint32_t options);
     void fill(int32_t number, const Instruction& item, uint32_t options);
-    bool acceptsMalformed(int32_t number) const;
 
     const Program& program_;
     ClassTable* ascii_;
-    MalformedBits* malformed_;
+    ByteSet* members_;
     int32_t capacity_;
     int32_t count_ = 0;
     Source sources_[maximum];

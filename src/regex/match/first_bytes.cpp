@@ -57,12 +57,7 @@ bool addLeadsOf(const Plan& plan, const Node& node, ByteSet& bytes) {
 }
 
 void addClass(const Plan& plan, const Node& node, ByteSet& bytes) {
-    const ClassTable& table = plan.ascii[node.index / 8];
-    for (uint32_t byte = 0; byte < 0x80; ++byte)
-        if (table[byte] & node.mask) bytes.add(static_cast<uint8_t>(byte));
-    const MalformedBits& malformed = plan.malformed[node.index];
-    for (uint32_t byte = 0x80; byte < 0x100; ++byte)
-        if (hasMalformed(malformed, static_cast<uint8_t>(byte))) bytes.add(static_cast<uint8_t>(byte));
+    bytes.add(plan.members[node.index]);
     if (node.has(traitMultiAll) || (node.has(traitMultiTest) && !addLeadsOf(plan, node, bytes)))
         bytes.addLeads();
 }

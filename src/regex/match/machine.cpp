@@ -309,7 +309,7 @@ template <class Nodes>
                                                              const uint8_t* p) const {
     const Utf8Sequence character = unicode::decodeUtf8(p, limit_);
     if (node.item == Item::charClass) {
-        if (character.malformed) return hasMalformed(plan_.malformed[node.index], *p) ? p + 1 : nullptr;
+        if (character.malformed) return plan_.members[node.index].has(*p) ? p + 1 : nullptr;
         if (node.has(traitMultiAll)) return p + character.length;
         if (!node.has(traitMultiTest)) return nullptr;
     }

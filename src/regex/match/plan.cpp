@@ -92,8 +92,8 @@ void decodeAll(Plan& plan, Area& area) {
     auto tables = static_cast<int32_t>(area.left() / ClassBuilder::bytesPerTable);
     if (tables > ClassBuilder::maximum / 8) tables = ClassBuilder::maximum / 8;
     plan.ascii = area.take<ClassTable>(static_cast<std::size_t>(tables));
-    plan.malformed = area.take<MalformedBits>(static_cast<std::size_t>(tables) * 8);
-    ClassBuilder classes(program, plan.ascii, plan.malformed, tables * 8);
+    plan.members = area.take<ByteSet>(static_cast<std::size_t>(tables) * 8);
+    ClassBuilder classes(program, plan.ascii, plan.members, tables * 8);
 
     uint32_t options = program.options;
     int32_t members = 0; // members of a class reach up to here

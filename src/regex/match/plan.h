@@ -35,13 +35,6 @@ struct Capture {
 /// Eight classes share one table of bytes, a bit each. It speaks of bytes below 0x80 only.
 using ClassTable = uint8_t[256];
 
-/// The bytes from 0x80 up that a class accepts when they are no part of a well-formed character.
-using MalformedBits = uint8_t[16];
-
-inline bool hasMalformed(const MalformedBits& bits, uint8_t byte) {
-    return (bits[(byte & 0x7F) / 8] >> (byte % 8) & 1) != 0;
-}
-
 /// Which start positions a search tries at all.
 enum class StartMode : uint8_t {
     every,
@@ -87,7 +80,7 @@ struct Plan {
     std::size_t copySize;
     Node* nodes;
     ClassTable* ascii;
-    MalformedBits* malformed;
+    ByteSet* members;  // by class: the bytes that it accepts as characters; from 0x80 up, as malformed ones
     RunTest* runTests; // of the first `runTestCount` classes
     int32_t runTestCount;
     bool leadingIsBytewise; // the leading run consists of one-byte characters, whatever position it begins at

@@ -30,9 +30,7 @@ public:
         std::memset(table, 0, sizeof table);
         for (int32_t bucket = 0; bucket < buckets; ++bucket) {
             const auto bit = static_cast<uint8_t>(1u << bucket);
-            if ((used_ & bit) == 0) continue;
-            for (uint32_t byte = 0; byte < 256; ++byte)
-                if (sets_[offset][bucket].has(static_cast<uint8_t>(byte))) table[byte] |= bit;
+            if (used_ & bit) sets_[offset][bucket].writeTo(table, bit);
         }
     }
 
