@@ -37,6 +37,9 @@ template <class E>
 TAV_FLATTEN int32_t indexOf(const E* src, int32_t len, const E* find, int32_t lenFind) {
     if (lenFind < 1 || lenFind > len) return -1;
     if (lenFind == 1) return indexOf(src, len, find[0]);
+    if (len - lenFind < substring::choicePays) {
+        return substring::searchFewStarts<Way::forward>(src, len, find, lenFind);
+    }
     return substring::search<Way::forward>(src, len, find, lenFind);
 }
 
@@ -44,11 +47,14 @@ template <class E>
 TAV_FLATTEN int32_t lastIndexOf(const E* src, int32_t len, const E* find, int32_t lenFind) {
     if (lenFind < 1 || lenFind > len) return -1;
     if (lenFind == 1) return lastIndexOf(src, len, find[0]);
+    if (len - lenFind < substring::choicePays) {
+        return substring::searchFewStarts<Way::backward>(src, len, find, lenFind);
+    }
     return substring::search<Way::backward>(src, len, find, lenFind);
 }
 
 template <class E>
-tavStatus find(const E* pSrc, int32_t len, const E* pFind, int32_t lenFind, int32_t* pIndex) {
+TAV_FLATTEN tavStatus find(const E* pSrc, int32_t len, const E* pFind, int32_t lenFind, int32_t* pIndex) {
     if (const auto bad = Arguments::pointers(pSrc, pFind, pIndex).lengths(len, lenFind); bad.failed()) {
         return bad.status;
     }
@@ -57,7 +63,7 @@ tavStatus find(const E* pSrc, int32_t len, const E* pFind, int32_t lenFind, int3
 }
 
 template <class E>
-tavStatus findRev(const E* pSrc, int32_t len, const E* pFind, int32_t lenFind, int32_t* pIndex) {
+TAV_FLATTEN tavStatus findRev(const E* pSrc, int32_t len, const E* pFind, int32_t lenFind, int32_t* pIndex) {
     if (const auto bad = Arguments::pointers(pSrc, pFind, pIndex).lengths(len, lenFind); bad.failed()) {
         return bad.status;
     }

@@ -78,9 +78,60 @@ TYPED_TEST(SubstringTest, AnchorsAreInsideTheNeedleAndApart) {
     for (int round = 0; round < 5000; ++round) {
         const auto needle =
             random.text<E>(2 + random.below(round % 5 == 0 ? 500 : 20), 1 + random.below(3), 'a');
-        const auto [first, second] = tav::substring::rarestAnchors(needle.data(), length(needle));
-        ASSERT_TRUE(0 <= first && first < length(needle) && 0 <= second && second < length(needle));
-        ASSERT_NE(first, second);
+        for (const auto& anchors : {tav::substring::rarestAnchors(needle.data(), length(needle)),
+                                    tav::substring::endsAndMiddle(length(needle))}) {
+            const auto [first, second, third, rare] = anchors;
+            ASSERT_TRUE(0 <= first && first < length(needle) && 0 <= second && second < length(needle));
+            ASSERT_TRUE(0 <= third && third < length(needle));
+            ASSERT_NE(first, second);
+            ASSERT_TRUE(length(needle) == 2 || (third != first && third != second));
+        }
+    }
+}
+
+TYPED_TEST(SubstringTest, AnAnchorTakenForRareMayBeEverywhere) {
+    using E = TypeParam;
+    // "q" is rare by the ranking. The occurrence lies anywhere, so that it also lies around the place where
+    // the search finds that it is not.
+    Random random(8);
+    for (int round = 0; round < 2000; ++round) {
+        std::vector<E> src(520 + random.below(round % 10 == 0 ? 5000 : 300), 'e'), needle(16, 'e');
+        const std::size_t dense = random.below(static_cast<uint32_t>(src.size()));
+        for (std::size_t i = 0; i < src.size(); ++i) {
+            if (random.below(i < dense ? 200 : 3) == 0) src[i] = 'q';
+        }
+        for (E& element : needle) {
+            if (random.below(2) == 0) element = 'q';
+        }
+        needle[random.below(16)] = 'q';
+        const auto len = length(src), lenFind = length(needle);
+        for (int copies = 0; copies < 3; ++copies) {
+            ASSERT_EQ(tav::indexOf(src.data(), len, needle.data(), lenFind),
+                      tav::plain::indexOf(src.data(), len, needle.data(), lenFind));
+            ASSERT_EQ(tav::lastIndexOf(src.data(), len, needle.data(), lenFind),
+                      tav::plain::lastIndexOf(src.data(), len, needle.data(), lenFind));
+            const auto at = static_cast<std::ptrdiff_t>(random.below(static_cast<uint32_t>(src.size() - 16)));
+            std::copy(needle.begin(), needle.end(), src.begin() + at);
+        }
+    }
+}
+
+TYPED_TEST(SubstringTest, FewStartsAgreeWithThePlainLoopAtEveryPlace) {
+    using E = TypeParam;
+    Random random(9);
+    GuardedBuffer<E> buffer(700), needleBuffer(100);
+    for (int round = 0; round < 1500; ++round) {
+        const auto needle = random.text<E>(1 + random.below(20), 2, 'a');
+        const auto src = random.text<E>(random.below(round % 5 == 0 ? 600 : 60), 2, 'a');
+        const E* find = needleBuffer.copyToTail(needle.data(), needle.size());
+        const auto len = length(src), lenFind = length(needle);
+        for (const E* place :
+             {buffer.copyToTail(src.data(), src.size()), buffer.copyToHead(src.data(), src.size())}) {
+            ASSERT_EQ(tav::indexOf(place, len, find, lenFind),
+                      tav::plain::indexOf(place, len, find, lenFind));
+            ASSERT_EQ(tav::lastIndexOf(place, len, find, lenFind),
+                      tav::plain::lastIndexOf(place, len, find, lenFind));
+        }
     }
 }
 
@@ -115,7 +166,8 @@ TYPED_TEST(SubstringTest, TheLinearSearchTakesOverWhereComparisonsCostTooMuch) {
         for (const std::size_t odd : {needleCount / 2 + 1, needleCount / 3}) {
             std::vector<E> needle(needleCount, 'a');
             needle[odd] = 'b';
-            const auto [first, second] = tav::substring::rarestAnchors(needle.data(), length(needle));
+            const auto [first, second, third, rare] =
+                tav::substring::rarestAnchors(needle.data(), length(needle));
             ASSERT_EQ(needle[static_cast<std::size_t>(first)], 'a');
             ASSERT_EQ(needle[static_cast<std::size_t>(second)], 'a');
             std::vector<E> src(2000, 'a');
@@ -143,7 +195,7 @@ TYPED_TEST(SubstringTest, TheWorstTextsCostLinearTime) {
     const std::size_t count = 1U << 21, needleCount = 700001, odd = needleCount / 2;
     std::vector<E> src(count, 'a'), needle(needleCount, 'a');
     needle[odd] = 'b';
-    const auto [first, second] = tav::substring::rarestAnchors(needle.data(), length(needle));
+    const auto [first, second, third, rare] = tav::substring::rarestAnchors(needle.data(), length(needle));
     ASSERT_EQ(needle[static_cast<std::size_t>(first)], needle[static_cast<std::size_t>(second)]);
     for (const bool withOddElements : {false, true}) {
         if (withOddElements) {
