@@ -1,5 +1,6 @@
 #include "reference/comparison.h"
 
+#include "regex/match/failed_states.h"
 #include "regex/match/plan.h"
 
 #include <bit>
@@ -51,8 +52,14 @@ void takeEntries(SearchResult& result, const std::vector<tavRegExpFindResult>& f
 
 /// Changes the plan that the next searches of this block will find.
 void prepare(tavRegExpContext& block, Way way) {
-    if (way.shortcuts == regex::everyShortcut) return;
+    if (way.shortcuts == regex::everyShortcut && !way.remembering) return;
     regex::Plan& plan = regex::planWith(block, way.shortcuts);
+    if (way.remembering) plan.patience = INT32_MIN;
+    if (way.cramped && plan.remembersFailures) {
+        plan.spareSize = plan.spareSize / 64 * 8;
+        while (!regex::FailedStates::fits(plan))
+            plan.spareSize += 8;
+    }
     if (way.direct && plan.state == regex::PlanState::ready) plan.state = regex::PlanState::direct;
 }
 
@@ -201,6 +208,11 @@ Trial shrink(Trial trial, int64_t stepLimit, Way way) {
 } // namespace
 
 std::string Way::name() const {
+    if (remembering)
+        return cramped                             ? "RememberingLittle"
+               : direct                            ? "RememberingDirectly"
+               : shortcuts == regex::everyShortcut ? "Remembering"
+                                                   : "RememberingAlone";
     if (direct) return "Directly";
     if (shortcuts == regex::everyShortcut) return "AsUsual";
     if (shortcuts == 0) return "WithoutShortcuts";

@@ -54,14 +54,20 @@ Compiled compile(const std::string& pattern, const std::string& options);
 /// How the library is to find its answer. The shortcuts must not show in any answer.
 struct Way {
     uint32_t shortcuts = regex::everyShortcut;
-    bool direct = false; // instructions decoded as they are reached, as for programs too long for a plan
+    bool direct = false;      // instructions decoded as they are reached, as for programs too long for a plan
+    bool remembering = false; // failed states are remembered from the first one on
+    bool cramped = false;     // there is hardly room for remembering them
 
     std::string name() const;
 };
 
 inline const Way usually{};
 inline const Way directly{0, true};
-inline const Way withoutShortcuts{0, false};
+inline const Way withoutShortcuts{0};
+inline const Way remembering{.remembering = true};
+inline const Way rememberingLittle{.remembering = true, .cramped = true};
+inline const Way rememberingDirectly{regex::shortcutFailedStates, true, true};
+inline const Way rememberingAlone{.shortcuts = regex::shortcutFailedStates, .remembering = true};
 
 enum class Verdict { same, different, skipped };
 

@@ -44,6 +44,19 @@ int64_t compareRandom(int seconds, uint64_t seed, Way way, const char* what) {
     return comparison.differences;
 }
 
+/// Repeats of repeats, with failed states remembered from the first one on.
+int64_t compareNested(int seconds, uint64_t seed, const Way& way) {
+    Comparison comparison;
+    comparison.way = way;
+    comparison.stepLimit = 400'000;
+    Random random(seed);
+    int64_t patterns = 0;
+    for (const auto stop = Clock::now() + std::chrono::seconds(seconds); Clock::now() < stop;)
+        patterns += nestedTrials(random, comparison);
+    print("nested repeats, remembering", patterns, comparison);
+    return comparison.differences;
+}
+
 /// Large programs or subjects: their differences are shown as they are.
 int64_t compareLarge(int seconds, uint64_t seed, int (*trials)(Random&, Comparison&), const char* what) {
     Comparison comparison;
@@ -73,6 +86,9 @@ int main(int count, char** arguments) {
         differences += compareRandom(seconds / 4, seed, directly, "random patterns, directly");
         differences +=
             compareRandom(seconds / 4, seed, withoutShortcuts, "random patterns, without shortcuts");
+        differences += compareRandom(seconds / 4, seed, remembering, "random patterns, remembering");
+        for (const Way& way : {remembering, rememberingLittle, rememberingDirectly})
+            differences += compareNested(1 + seconds / 8, seed, way);
         differences += compareLarge(1 + seconds / 8, seed, deepTrials, "deep repetitions");
         differences += compareLarge(1 + seconds / 8, seed, longTrials, "long programs");
     });

@@ -249,6 +249,82 @@ int randomTrials(Random& random, Comparison& comparison) {
     return 1;
 }
 
+namespace {
+
+/// Repeats of repeats: a choice at every turn.
+class NestedMaker {
+public:
+    explicit NestedMaker(Random& random) : random_(random), left_(2 + static_cast<int>(random.below(9))) {}
+
+    std::string make() {
+        const std::string tail = random_.pick(Strings{"$", "b", "c", "\\b", "", "[^a]$", "(?=b)", "\\z"});
+        return join({alternatives(0), tail});
+    }
+
+private:
+    std::string alternatives(int depth) {
+        std::string text = sequence(depth);
+        while (random_.oneIn(3))
+            text = join({text, "|", sequence(depth)});
+        return text;
+    }
+
+    std::string sequence(int depth) {
+        std::string text;
+        for (uint32_t pieces = random_.below(3) + (random_.oneIn(5) ? 0 : 1); pieces > 0; --pieces)
+            text += piece(depth);
+        return text;
+    }
+
+    std::string piece(int depth) {
+        --left_;
+        if (left_ <= 0 || depth > 3 || random_.oneIn(3)) return item() + (random_.oneIn(2) ? repeat() : "");
+        const char* const opener =
+            random_.oneIn(4)
+                ? random_.pick(std::vector<const char*>{"(?=", "(?>", "(?!", "(?<=a|", "(?=", "(?i:"})
+                : random_.pick(std::vector<const char*>{"(", "(?:"});
+        const bool fixed = opener[1] == '?' && opener[2] == '<';
+        const std::string body = fixed ? "b" : alternatives(depth + 1);
+        return join({opener, body, ")", random_.oneIn(4) ? "" : repeat()});
+    }
+
+    std::string item() {
+        return random_.pick(
+            Strings{"a", "a", "b", ".", "[ab]", "\\w", "[^b]", "\\x{e9}", "aa", "a", "^", "\\b"});
+    }
+
+    std::string repeat() {
+        const std::string text = random_.pick(Strings{"*", "+", "?", "*", "+", "*", "+", "{2}", "{1,2}",
+                                                      "{2,}", "{0,3}", "{3,5}", "{0}", "{2,3}"});
+        return random_.oneIn(3) ? text + "?" : text;
+    }
+
+    Random& random_;
+    int left_;
+};
+
+} // namespace
+
+int nestedTrials(Random& random, Comparison& comparison) {
+    Trial trial;
+    trial.pattern = NestedMaker(random).make();
+    trial.options = random.pick(Strings{"", "", "", "g", "s", "m", "i", "gs"});
+    const Compiled compiled = compile(trial.pattern, trial.options);
+    if (!compiled) return 0;
+    static const Strings letters = {"a", "a", "a", "b", "\xc3\xa9"};
+    for (int subjects = 0; subjects < 8; ++subjects) {
+        trial.subject.clear();
+        for (uint32_t pieces = random.below(random.oneIn(4) ? 24 : 9); pieces > 0; --pieces)
+            trial.subject += random.pick(letters);
+        trial.behind = random.oneIn(4) ? 'a' : '\0';
+        trial.format = random.oneIn(4) ? 0 : 1;
+        trial.limit = random.oneIn(2) ? static_cast<int32_t>(random.below(50)) : 10000;
+        if (random.oneIn(8)) trial.limit = 70000 + static_cast<int32_t>(random.below(3)) * 500'000'000;
+        comparison.compare(*compiled.block, trial);
+    }
+    return 1;
+}
+
 int deepTrials(Random& random, Comparison& comparison) {
     const Alphabet& alphabet = randomAlphabet(random);
     const char* const opener = random.pick(std::vector<const char*>{"(", "(?:", "(?>"});

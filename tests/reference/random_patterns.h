@@ -27,6 +27,10 @@ std::string randomSubject(Random& random, const Alphabet& alphabet, int maximumP
 /// One random pattern on a few random subjects, with random settings; 0 when the pattern was refused, else 1.
 int randomTrials(Random& random, Comparison& comparison);
 
+/// Repeats of repeats over two letters, on subjects that they fail on in many ways: what a search remembers
+/// of its failures is asked for again and again. Half of the limits are small.
+int nestedTrials(Random& random, Comparison& comparison);
+
 /// A repeated random pattern on a subject of thousands of repetitions, with limits around the default: the
 /// budget must end a match at the same place, whatever a path has to remember.
 int deepTrials(Random& random, Comparison& comparison);

@@ -106,6 +106,7 @@ template <class Nodes>
     while (outcome == Outcome::full) {
         const std::size_t capacity = nextCapacity();
         if (capacity == 0) { // no more to be had: the path fails here like one without a level left
+            runOutOfLevels(saved_);
             outcome = backtrack(saved_) ? resume() : Outcome::failed;
             continue;
         }
@@ -155,6 +156,8 @@ Outcome Machine<Nodes>::run(const Registers& from) {
         if (r.levels > 0) {
             --r.levels;
             step = this->step(r, nodes_[r.pc]);
+        } else {
+            runOutOfLevels(r);
         }
         if (step == Step::go) continue;
         if (step == Step::done) {
@@ -167,6 +170,7 @@ Outcome Machine<Nodes>::run(const Registers& from) {
             return Outcome::full;
         }
         if (!backtrack(r)) return Outcome::failed;
+        if (isTired()) return Outcome::tired;
     }
 }
 
@@ -512,6 +516,7 @@ auto Machine<Nodes>::takeRunOf(Registers& r, const Node& node, const Run& run) -
             if (!hasRoom(r, 1)) return Step::full;
             *++r.top = {what(sortGreedy, r.pc), offset(q), offset(run.lowest), r.levels};
         }
+        if (hasFailed(r, r.pc, q, r.levels)) return Step::fail;
     }
     if (!mayEndAt(q, node.next)) return Step::fail;
     r.p = q;
@@ -523,6 +528,11 @@ template <class Nodes>
 bool Machine<Nodes>::giveBack(Registers& r) {
     Record& record = *r.top;
     const int32_t pc = nodeOf(record);
+    remember(r, pc, record.at, record.levels);
+    if (Nodes::remembers && record.at == record.bound) { // kept to hear of the last failure too
+        --r.top;
+        return false;
+    }
     const auto& node = nodes_[pc];
     const uint8_t* const lowest = begin_ + record.bound;
     const uint8_t* q = stepBack(node, begin_ + record.at, lowest);
@@ -531,10 +541,10 @@ bool Machine<Nodes>::giveBack(Registers& r) {
             q = stepBack(node, q, lowest);
     r.levels = record.levels;
     record.at = offset(q);
-    if (q == lowest) --r.top;
+    if (!Nodes::remembers && q == lowest) --r.top;
     r.p = q;
     r.pc = node.next;
-    return mayEndAt(q, node.next);
+    return mayEndAt(q, node.next) && !hasFailed(r, pc, q, r.levels);
 }
 
 template <class Nodes>
@@ -567,7 +577,7 @@ auto Machine<Nodes>::advanceLazily(Registers& r, const Node& node, int32_t pc, i
         }
     }
     if (left > 0 && p < end_) *++r.top = {what(sortLazy, pc), offset(p), left, r.levels};
-    if (!mayEndAt(p, node.next)) return Step::fail;
+    if (!mayEndAt(p, node.next) || hasFailed(r, pc, p, r.levels)) return Step::fail;
     r.p = p;
     r.pc = node.next;
     return Step::go;
@@ -575,8 +585,10 @@ auto Machine<Nodes>::advanceLazily(Registers& r, const Node& node, int32_t pc, i
 
 template <class Nodes>
 bool Machine<Nodes>::takeAnother(Registers& r) {
-    const Record record = *r.top--;
+    const Record record = *r.top;
     const int32_t pc = nodeOf(record);
+    remember(r, pc, record.at, record.levels);
+    --r.top;
     const auto& node = nodes_[pc];
     const uint8_t* p = begin_ + record.at;
     const uint8_t* q = consume(node, pc, p);
@@ -597,7 +609,10 @@ auto Machine<Nodes>::enterGroup(Registers& r, const Node& node) -> Step {
         if (node.has(traitSaveOpen)) *++r.top = {what(sortSlot, node.slot), slot.start, slot.length, 0};
         slot = {offset(r.p), 0};
     }
-    if (node.link != noNode) *++r.top = {what(sortAlternative, r.pc), offset(r.p), node.link, r.levels};
+    if (node.link != noNode) {
+        *++r.top = {what(sortAlternative, r.pc), offset(r.p), node.link, r.levels};
+        if (hasFailed(r, node.link, r.p, r.levels)) return Step::fail;
+    }
     ++r.pc;
     return Step::go;
 }
@@ -620,20 +635,22 @@ template <class Nodes>
 bool Machine<Nodes>::nextAlternative(Registers& r) {
     Record& record = *r.top;
     const int32_t marker = record.bound;
+    remember(r, marker, record.at, record.levels);
     record.bound = nodes_[marker].link;
     r.p = begin_ + record.at;
     r.pc = marker + 1;
     r.levels = record.levels;
-    if (record.bound == noNode) --r.top;
+    if (record.bound != noNode) return !hasFailed(r, record.bound, r.p, r.levels);
+    --r.top;
     return true;
 }
 
 // --- Loops
 // --------------------------------------------------------------------------------------------------
 
-/// Begins iteration `count` of the loop whose opener is `node`.
+/// Begins iteration `count` of the loop whose opener is `node`; false when it is known to fail.
 template <class Nodes>
-void Machine<Nodes>::pushIteration(Registers& r, const Node& node, int32_t opener, int32_t count) {
+bool Machine<Nodes>::beginIteration(Registers& r, const Node& node, int32_t opener, int32_t count) {
     Bracket& loop = bracket(node);
     Capture& slot = captures_[node.slot];
     r.top += 2;
@@ -641,6 +658,11 @@ void Machine<Nodes>::pushIteration(Registers& r, const Node& node, int32_t opene
     *r.top = {what(sortIteration, opener), offset(r.p), node.link, r.levels};
     loop.record = static_cast<int32_t>(r.top - stack_);
     r.pc = opener + 1;
+    if (hasFailed(r, opener, r.p, r.levels)) {
+        r.top->bound = noNode;
+        return false;
+    }
+    return node.link == noNode || !hasFailed(r, node.link, r.p, r.levels);
 }
 
 template <class Nodes>
@@ -652,24 +674,27 @@ auto Machine<Nodes>::enterLoop(Registers& r, const Node& node) -> Step {
     }
     if (node.has(traitLazy) && node.min <= 0) {
         *++r.top = {what(sortEnterLazily, r.pc), offset(r.p), 0, r.levels};
+        if (hasFailed(r, closeOf(r.pc), r.p, r.levels)) return Step::fail;
         r.pc = node.next;
         return Step::go;
     }
-    pushIteration(r, node, r.pc, 1);
+    const bool hope = beginIteration(r, node, r.pc, 1);
     if (node.has(traitCapture)) captures_[node.slot] = {offset(r.p), 0};
-    return Step::go;
+    return hope ? Step::go : Step::fail;
 }
 
 template <class Nodes>
 bool Machine<Nodes>::enterLazily(Registers& r) {
-    const Record record = *r.top--;
+    const Record record = *r.top;
     const int32_t opener = nodeOf(record);
+    remember(r, closeOf(opener), record.at, record.levels);
+    --r.top;
     const auto& node = nodes_[opener];
     r.p = begin_ + record.at;
     r.levels = record.levels;
-    pushIteration(r, node, opener, 1);
+    const bool hope = beginIteration(r, node, opener, 1);
     if (node.has(traitCapture)) captures_[node.slot] = {record.at, 0};
-    return true;
+    return hope;
 }
 
 /// The end of an iteration: another one or what follows the loop. An empty iteration ends the repetition,
@@ -693,26 +718,35 @@ auto Machine<Nodes>::endIteration(Registers& r, const Node& node, int32_t began,
     if (r.p > end_ && (count < node.min || !mayEndAt(r.p, node.next))) return Step::fail;
     const bool more = offset(r.p) != began && count < node.max && r.p <= end_;
     if (more && !(isLazy && count >= node.min)) {
-        if (r.levels == 0) return Step::fail;
+        if (r.levels == 0) {
+            runOutOfLevels(r);
+            return Step::fail;
+        }
         --r.levels;
         const auto& opener = nodes_[node.other];
-        pushIteration(r, opener, node.other, count + 1);
-        return Step::go;
+        return beginIteration(r, opener, node.other, count + 1) ? Step::go : Step::fail;
     }
-    if (more) *++r.top = {what(sortIterateLazily, node.other), offset(r.p), count, r.levels};
+    if (more) {
+        *++r.top = {what(sortIterateLazily, node.other), offset(r.p), count, r.levels};
+        if (hasFailed(r, closeOf(node.other), r.p, r.levels)) return Step::fail;
+    }
     r.pc = node.next;
     return Step::go;
 }
 
 template <class Nodes>
 bool Machine<Nodes>::iterateLazily(Registers& r) {
-    const Record record = *r.top--;
-    if (record.levels == 0) return false;
+    const Record record = *r.top;
     const int32_t opener = nodeOf(record);
+    remember(r, closeOf(opener), record.at, record.levels);
+    --r.top;
+    if (record.levels == 0) {
+        runOutOfLevels(r);
+        return false;
+    }
     r.p = begin_ + record.at;
     r.levels = record.levels - 1;
-    pushIteration(r, nodes_[opener], opener, record.bound + 1);
-    return true;
+    return beginIteration(r, nodes_[opener], opener, record.bound + 1);
 }
 
 /// An iteration has failed: its next alternative, or going on with the iterations before it.
@@ -720,12 +754,15 @@ template <class Nodes>
 bool Machine<Nodes>::retryIteration(Registers& r) {
     const Record record = *r.top;
     if (record.bound != noNode) {
-        r.top->bound = nodes_[record.bound].link;
+        rememberPart(r, record.bound, record.at, record.levels);
+        const int32_t link = nodes_[record.bound].link;
+        r.top->bound = link;
         r.p = begin_ + record.at;
         r.pc = record.bound + 1;
         r.levels = record.levels;
-        return true;
+        return link == noNode || !hasFailed(r, link, r.p, r.levels);
     }
+    remember(r, nodeOf(record), record.at, record.levels);
     const int32_t count = replacedBy(r.top).count;
     const auto& node = nodes_[nodeOf(record)];
     undo(r.top);
@@ -864,6 +901,81 @@ void Machine<Nodes>::keepSlots(Registers& r, Record* base) {
     r.top = base + count - 1;
 }
 
+// --- Failed states
+// ------------------------------------------------------------------------------------------
+
+/// More returns than there are choices and positions: some must have been passed again and again.
+template <class Nodes>
+bool Machine<Nodes>::isTired() {
+    return !Nodes::remembers && --patience_ < 0 && plan_.remembersFailures;
+}
+
+/// The state of the choice at `pc`. Its context counts, from the innermost loop outwards, the iterations and
+/// the loops that have not consumed anything since their iteration began.
+template <class Nodes>
+uint64_t Machine<Nodes>::stateOf(int32_t pc, int32_t at) const {
+    uint64_t context = 0;
+    if constexpr (Nodes::remembers) {
+        const FailedStates& failed = *nodes_.failed;
+        const FailedStates::Loop* loop = failed.loopAround(pc);
+        if (loop == nullptr) return failed.state(pc, 0);
+        if (loop->contexts == 0) return FailedStates::noState;
+        const uint32_t depth = loop->depth;
+        uint32_t empty = 0;
+        for (bool still = true; loop != nullptr; loop = failed.outerLoop(*loop)) {
+            Record* const iteration = stack_ + plan_.brackets[loop->bracket].record;
+            still = still && iteration->at == at;
+            empty += still ? 1 : 0;
+            if (loop->counted == 0) continue;
+            const int32_t count = replacedBy(iteration).count;
+            context = context * (static_cast<uint64_t>(loop->counted) + 1) +
+                      static_cast<uint64_t>(count < loop->counted ? count : loop->counted);
+        }
+        context = failed.state(pc, context * (depth + 1) + empty);
+    }
+    return context;
+}
+
+/// Is going on behind the choice at `pc` known to fail?
+template <class Nodes>
+bool Machine<Nodes>::hasFailed(const Registers& r, int32_t pc, const uint8_t* p, int32_t levels) {
+    if constexpr (Nodes::remembers) {
+        const int32_t at = offset(p);
+        const uint64_t state = stateOf(pc, at);
+        if (state == FailedStates::noState) return false;
+        const FailedStates::Known known = nodes_.failed->lookUp(state, at, levels);
+        if (known == FailedStates::Known::failedByLimit) runOutOfLevels(r);
+        return known != FailedStates::Known::nothing;
+    }
+    return false;
+}
+
+/// What the newest choice tried last has failed: the state of `pc`.
+template <class Nodes>
+void Machine<Nodes>::remember(const Registers& r, int32_t pc, int32_t at, int32_t levels) {
+    if constexpr (Nodes::remembers) {
+        rememberPart(r, pc, at, levels);
+        const std::ptrdiff_t choice = r.top - stack_;
+        if (nodes_.touched >= choice) nodes_.touched = choice - 1; // what it tries next begins afresh
+    }
+}
+
+/// The same when what the choice tries next counts together with this.
+template <class Nodes>
+void Machine<Nodes>::rememberPart(const Registers& r, int32_t pc, int32_t at, int32_t levels) {
+    if constexpr (Nodes::remembers) {
+        const bool touched = nodes_.touched >= r.top - stack_;
+        const uint64_t state = stateOf(pc, at);
+        if (state != FailedStates::noState) nodes_.failed->add(state, at, levels, touched);
+    }
+}
+
+/// All choices that are left have seen it.
+template <class Nodes>
+void Machine<Nodes>::runOutOfLevels(const Registers& r) {
+    if constexpr (Nodes::remembers) nodes_.touched = r.top - stack_;
+}
+
 // --- Backtracking
 // -------------------------------------------------------------------------------------------
 
@@ -934,5 +1046,7 @@ bool Machine<Nodes>::backtrack(Registers& r) {
 
 template class Machine<PlannedNodes>;
 template class Machine<DirectNodes>;
+template class Machine<Remembering<PlannedNodes>>;
+template class Machine<Remembering<DirectNodes>>;
 
 } // namespace tav::regex

@@ -9,6 +9,7 @@
 // mismatch. On any path the records take at most 24 bytes per level, so the budget also bounds the memory.
 #pragma once
 
+#include "regex/match/failed_states.h"
 #include "regex/match/plan.h"
 
 #include <cstddef>
@@ -32,7 +33,8 @@ static_assert(sizeof(Record) == 16);
 enum class Outcome : uint8_t {
     matched,
     failed,
-    full, // the choice stack must grow before the machine can go on
+    full,  // the choice stack must grow before the machine can go on
+    tired, // the attempt came back so often that it must have passed through some states again
 };
 
 /// The subject of a search.
@@ -45,6 +47,7 @@ struct Subject {
 /// Nodes that the plan holds ready.
 class PlannedNodes {
 public:
+    static constexpr bool remembers = false;
     explicit PlannedNodes(const Plan& plan) : nodes_(plan.nodes) {}
     const Node& operator[](int32_t pc) const { return nodes_[pc]; }
 
@@ -55,12 +58,23 @@ private:
 /// Nodes decoded as they are reached, for a program too long for the plan.
 class DirectNodes {
 public:
+    static constexpr bool remembers = false;
     explicit DirectNodes(const Plan& plan) : plan_(plan) {}
     Node operator[](int32_t pc) const;
 
 private:
     uint32_t optionsAt(int32_t pc) const;
     const Plan& plan_;
+};
+
+/// The same nodes for a machine that remembers failed states.
+template <class Nodes>
+class Remembering : public Nodes {
+public:
+    using Nodes::Nodes;
+    static constexpr bool remembers = true;
+    FailedStates* failed = nullptr;
+    std::ptrdiff_t touched = 0; // the choices up to this one have seen a path run out of levels
 };
 
 template <class Nodes>
@@ -71,6 +85,10 @@ public:
           lastBlock_(limit_ - begin_ < 16 ? nullptr : limit_ - 16), captures_(plan.captures),
           matchLimit_(matchLimit), stack_(firstStack_), stackEnd_(endOf(firstStack_, firstCapacity)) {}
 
+    void rememberIn(FailedStates& failed) {
+        if constexpr (Nodes::remembers) nodes_.failed = &failed;
+    }
+
     /// Matches the whole program at `start`. When `notEmpty` is set, an empty match does not count.
     Outcome match(const uint8_t* start, const uint8_t* end, bool notEmpty) {
         start_ = start;
@@ -80,9 +98,10 @@ public:
         if (capturesDirty_ || plan_.capturesStay) clearCaptures();
         Registers r{start, 0, matchLimit_, stack_};
         if (plan_.firstAlternative != noNode) pushFirstAlternative(r);
+        patience_ = plan_.patience + static_cast<int64_t>(plan_.choices) * (end - start);
         Outcome outcome = run(r);
         if (outcome == Outcome::full) outcome = matchOnLargerStack();
-        capturesDirty_ = outcome == Outcome::matched;
+        capturesDirty_ = outcome != Outcome::failed;
         return outcome;
     }
 
@@ -143,7 +162,7 @@ private:
     TAV_HOT Step enterAtomic(Registers& r, const Node& node);
     Step leaveBody(Registers& r, const Node& node);
     Step leaveAtomicIteration(Registers& r, const Node& closing, Record* iteration);
-    TAV_HOT void pushIteration(Registers& r, const Node& node, int32_t opener, int32_t count);
+    TAV_HOT bool beginIteration(Registers& r, const Node& node, int32_t opener, int32_t count);
 
     TAV_HOT bool backtrack(Registers& r);
     TAV_HOT bool nextAlternative(Registers& r);
@@ -154,6 +173,13 @@ private:
     TAV_HOT bool iterateLazily(Registers& r);
     bool bodyFailed(Registers& r);
     bool giveUpIteration(Registers& r);
+
+    TAV_HOT bool hasFailed(const Registers& r, int32_t pc, const uint8_t* p, int32_t levels);
+    TAV_HOT void remember(const Registers& r, int32_t pc, int32_t at, int32_t levels);
+    TAV_HOT void rememberPart(const Registers& r, int32_t pc, int32_t at, int32_t levels);
+    uint64_t stateOf(int32_t pc, int32_t at) const;
+    TAV_HOT void runOutOfLevels(const Registers& r);
+    TAV_HOT bool isTired();
 
     TAV_HOT void restoreSlot(const Record& record);
     TAV_HOT void undo(Record*& top);
@@ -169,6 +195,7 @@ private:
     TAV_HOT bool matchesString(const Node& node, int32_t pc, const uint8_t* p) const;
     bool holds(const Node& node, const uint8_t* p) const;
     bool isCondition(int32_t look) const;
+    int32_t closeOf(int32_t opener) const { return opener + plan_.program.code[opener].b + 1; }
     TAV_HOT bool mayEndAt(const uint8_t* p, int32_t next) const;
 
     int32_t offset(const uint8_t* p) const { return static_cast<int32_t>(p - begin_); }
@@ -187,6 +214,7 @@ private:
     const uint8_t* failedUpTo_ = nullptr;
     Capture* captures_;
     int32_t matchLimit_;
+    int64_t patience_ = 0;
     bool notEmpty_ = false;
     bool capturesDirty_ = true;
     Registers saved_;
@@ -199,6 +227,8 @@ private:
 
 extern template class Machine<PlannedNodes>;
 extern template class Machine<DirectNodes>;
+extern template class Machine<Remembering<PlannedNodes>>;
+extern template class Machine<Remembering<DirectNodes>>;
 
 #undef TAV_HOT
 

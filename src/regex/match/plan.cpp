@@ -3,6 +3,7 @@
 #include "base/vector.h"
 #include "regex/match/analysis.h"
 #include "regex/match/classes.h"
+#include "regex/match/failed_states.h"
 #include "regex/match/structure.h"
 
 #include <cstring>
@@ -11,6 +12,7 @@ namespace tav::regex {
 
 namespace {
 
+constexpr std::size_t leastSpare = 4096; // kept from nodes and tables for the memory of failed states
 constexpr uint32_t matcherOptions = optionDotAll | optionMultiLine | optionCaseless;
 
 /// Hands out the work area from its start; what does not fit is refused as a whole.
@@ -27,6 +29,8 @@ public:
     }
 
     std::size_t left() const { return size - used_; }
+    std::size_t used() const { return used_; }
+    void backTo(std::size_t used) { used_ = used; }
 
 private:
     static constexpr std::size_t size = sizeof(tavRegExpContext::workArea);
@@ -89,7 +93,7 @@ StartMode startModeOf(const Program& program, bool alternatives) {
 /// Decodes every instruction; the class tables take what is left of the area.
 void decodeAll(Plan& plan, Area& area) {
     const Program& program = plan.program;
-    auto tables = static_cast<int32_t>(area.left() / ClassBuilder::bytesPerTable);
+    auto tables = static_cast<int32_t>((area.left() - leastSpare) / ClassBuilder::bytesPerTable);
     if (tables > ClassBuilder::maximum / 8) tables = ClassBuilder::maximum / 8;
     plan.ascii = area.take<ClassTable>(static_cast<std::size_t>(tables));
     plan.members = area.take<ByteSet>(static_cast<std::size_t>(tables) * 8);
@@ -111,9 +115,31 @@ void decodeAll(Plan& plan, Area& area) {
     }
     plan.nodes[program.length] = decode(program, program.length, {options, noNode, false});
     plan.classCount = classes.count();
-    const auto room = static_cast<int32_t>(area.left() / sizeof(RunTest));
+    const std::size_t left = area.left() > leastSpare ? area.left() - leastSpare : 0;
+    const auto room = static_cast<int32_t>(left / sizeof(RunTest));
     plan.runTestCount = plan.classCount < room ? plan.classCount : room;
     plan.runTests = area.take<RunTest>(static_cast<std::size_t>(plan.runTestCount));
+}
+
+/// What the memory of failed states depends on.
+void prepareMemory(Plan& plan) {
+    const Program& program = plan.program;
+    plan.choices = 0;
+    for (int32_t pc = 0; pc < program.length; ++pc)
+        if (isQuantifier(program.code[pc].op) || program.code[pc].op == OP_ALT_END) ++plan.choices;
+    plan.remembersFailures = uses(plan, shortcutFailedStates) && plan.choices > 1 &&
+                             !hasOperation(program, OP_BACKREF) && !hasOperation(program, OP_COND);
+    plan.levelsOnlyHelp = !hasOperation(program, OP_NLOOKAHEAD) && !hasOperation(program, OP_NLOOKBEHIND) &&
+                          !hasOperation(program, OP_ATOMIC);
+    constexpr int32_t usualPatience = 64;
+    plan.patience = usualPatience;
+}
+
+void leaveToMemory(Plan& plan, Area& area) {
+    uint64_t* const words = area.take<uint64_t>(0);
+    plan.spareSize = words == nullptr ? 0 : area.left() / sizeof(uint64_t) * sizeof(uint64_t);
+    plan.spare = reinterpret_cast<uint8_t*>(words);
+    plan.remembersFailures = plan.remembersFailures && FailedStates::fits(plan);
 }
 
 void build(Plan& plan, tavRegExpContext& context, uint32_t shortcuts) {
@@ -143,15 +169,22 @@ void build(Plan& plan, tavRegExpContext& context, uint32_t shortcuts) {
     plan.isClassRun = false;
     plan.requiredByte = -1;
     plan.state = PlanState::direct;
+    prepareMemory(plan);
+    const std::size_t usedByDirect = area.used();
     const auto length = static_cast<std::size_t>(context.codeLength);
     const ProgramSize size = sizeOf(plan.program);
     plan.copySize = size.bytes;
     plan.copy = area.take<uint8_t>(size.bytes);
     plan.nodes = area.take<Node>(length + 1);
-    if (plan.copy == nullptr || plan.nodes == nullptr) return;
+    if (plan.copy == nullptr || plan.nodes == nullptr || area.left() < leastSpare) {
+        area.backTo(usedByDirect);
+        leaveToMemory(plan, area);
+        return;
+    }
 
     std::memcpy(plan.copy, plan.program.code, size.bytes);
     decodeAll(plan, area);
+    leaveToMemory(plan, area);
     analyse(plan);
     plan.state = PlanState::ready;
     if (size.isKnown) plan.signature = planSignature;

@@ -70,8 +70,12 @@ struct Plan {
     bool capturesStay;        // some capture is not restored on backtracking: clear all before each start
     bool uniformOptions;      // no instruction changes the options that the matcher reads
     bool hasBackReferences;   //
+    bool remembersFailures;   // searches may remember failed states
+    bool levelsOnlyHelp;      // with more levels an attempt finds what it finds with fewer, or more
     int32_t bracketCount;     //
     int32_t classCount;       //
+    int32_t choices;          // repeats and alternatives, at most
+    int32_t patience;         // attempts come back this often before failed states are remembered
     int32_t requiredByte;     // a byte that every match contains, -1 none
     int32_t firstAlternative; // the first OP_ALT_END at top level
     Bracket* brackets;
@@ -89,6 +93,8 @@ struct Plan {
     RangeTable classRun;
     RangeTable runFollows; // StartFilter::classRun: what may follow the run
     Prefix prefix;
+    uint8_t* spare; // the rest of the work area
+    std::size_t spareSize;
 };
 
 inline bool uses(const Plan& plan, Shortcut shortcut) {

@@ -17,7 +17,7 @@ class Search {
 public:
     Search(const Plan& plan, const Subject& subject, const tavRegExpContext& context)
         : plan_(plan), subject_(subject), starts_(plan, subject_, context.format == 1),
-          machine_(plan, subject_, context.matchLimit) {}
+          machine_(plan, subject_, context.matchLimit), matchLimit_(context.matchLimit) {}
 
     bool first(Results& results) {
         if (!attempt(subject_.begin, subject_.end, false)) return false;
@@ -30,8 +30,8 @@ public:
         while (p <= subject_.end && !results.isFull() && attempt(p, subject_.end, false)) {
             store(results, firstSlot);
             const uint8_t* const start = start_;
-            if (machine_.matchEnd() != start) {
-                p = machine_.matchEnd();
+            if (matchEnd_ != start) {
+                p = matchEnd_;
                 continue;
             }
             // Behind an empty match a match of what the next byte begins is tried, deliberately with just
@@ -47,15 +47,34 @@ private:
     /// Tries the start positions from `p` on.
     bool attempt(const uint8_t* p, const uint8_t* end, bool notEmpty) {
         for (p = starts_.from(p, end); p != nullptr; p = starts_.after(p, machine_.failedUpTo(), end)) {
-            if (machine_.match(p, end, notEmpty) != Outcome::matched) continue;
+            const Outcome outcome = machine_.match(p, end, notEmpty);
+            if (outcome == Outcome::failed) continue;
+            if (outcome == Outcome::tired) return attemptRemembering(p, end, notEmpty);
             start_ = p;
+            matchEnd_ = machine_.matchEnd();
+            return true;
+        }
+        return false;
+    }
+
+    /// The same with a memory of what has failed: what the first attempt has done so far is done again.
+    [[gnu::noinline]] bool attemptRemembering(const uint8_t* p, const uint8_t* end, bool notEmpty) {
+        // What has failed in sight of one end says nothing of another; nor where empty matches do not count.
+        if (end != memoryEnd_) memory_ = &FailedStates::create(plan_, end - p + 1, matchLimit_);
+        memoryEnd_ = notEmpty ? nullptr : end;
+        Machine<Remembering<Nodes>> machine(plan_, subject_, matchLimit_);
+        machine.rememberIn(*memory_);
+        for (; p != nullptr; p = starts_.after(p, machine.failedUpTo(), end)) {
+            if (machine.match(p, end, notEmpty) != Outcome::matched) continue;
+            start_ = p;
+            matchEnd_ = machine.matchEnd();
             return true;
         }
         return false;
     }
 
     void store(Results& results, int32_t firstSlot) const {
-        if (firstSlot == 0) results.add(start_, static_cast<int32_t>(machine_.matchEnd() - start_));
+        if (firstSlot == 0) results.add(start_, static_cast<int32_t>(matchEnd_ - start_));
         for (int32_t slot = 1; slot < plan_.program.groupCount; ++slot) {
             const Capture& group = plan_.captures[slot];
             results.add(group.length < 0 ? nullptr : subject_.begin + group.start, group.length);
@@ -66,7 +85,11 @@ private:
     const Subject& subject_;
     Starts starts_;
     Machine<Nodes> machine_;
+    int32_t matchLimit_;
     const uint8_t* start_ = nullptr;
+    const uint8_t* matchEnd_ = nullptr;
+    FailedStates* memory_ = nullptr;
+    const uint8_t* memoryEnd_ = nullptr;
 };
 
 tavStatus statusFor(int32_t stored, int32_t wanted) {

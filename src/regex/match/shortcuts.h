@@ -18,8 +18,9 @@ enum Shortcut : uint32_t {
     shortcutVectorRuns = 1 << 8,      // the ends of runs are found sixteen bytes at a time
     shortcutPlainNodes = 1 << 9,      // nodes for the simplest cases of groups and repeats
     shortcutLiteralMatches = 1 << 10, // the occurrences of a literal that is the whole pattern are listed
+    shortcutFailedStates = 1 << 11,   // what has failed once at a position is not tried there again
 };
 
-inline constexpr uint32_t everyShortcut = (1 << 11) - 1;
+inline constexpr uint32_t everyShortcut = (1 << 12) - 1;
 
 } // namespace tav::regex
