@@ -84,7 +84,7 @@ private:
 /// Two offsets to look at: in long texts those of the rarest bytes.
 substring::Anchors anchorsOf(const RequiredLiteral& literal, std::ptrdiff_t length) {
     constexpr std::ptrdiff_t choicePays = 128;
-    if (length < choicePays) return {0, literal.length - 1};
+    if (length < choicePays) return substring::endsAndMiddle(literal.length);
     return substring::rarestAnchors(literal.text, literal.length);
 }
 
