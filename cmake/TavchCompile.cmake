@@ -26,6 +26,10 @@ else()
   set(TAVCH_NO_UNDEFINED -Wl,--no-undefined)
 endif()
 
+if(TAVCH_COVERAGE)
+  add_link_options(-fprofile-instr-generate)
+endif()
+
 # Coverage of every source that a fuzz target links; the fuzzer's own main is linked to the targets alone.
 if(TAVCH_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)

@@ -74,8 +74,11 @@ struct SingleElements {
     int32_t count;
 
     Vector<E> load(const E* text) const {
-        if constexpr (sizeof(E) == 2) return {_mm_cvtsi32_si128(text[0])};
-        return {_mm_cvtsi32_si128(text[0] | text[count / 2] << 8 | text[count - 1] << 16)};
+        if constexpr (sizeof(E) == 2) {
+            return {_mm_cvtsi32_si128(text[0])};
+        } else {
+            return {_mm_cvtsi32_si128(text[0] | text[count / 2] << 8 | text[count - 1] << 16)};
+        }
     }
     int64_t position(int32_t lane) const { return lane == 0 ? 0 : lane == 1 ? count / 2 : count - 1; }
     static LaneMask<E> valid(LaneMask<E> mask) { return mask.below(sizeof(E) == 2 ? 1 : 3); }

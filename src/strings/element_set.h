@@ -163,9 +163,11 @@ int64_t scanRuns(const E* src, int64_t count, const Runs<E>& runs) {
     });
 }
 
+// The scans below have arrays of their own; each has its own frame, so that the stack holds one at a time.
+
 /// By direct comparison with up to maxTests values.
 template <Way way, Seek seek, class E>
-int64_t scanValues(const E* src, int64_t count, const E* set, int32_t lenSet) {
+TAV_FLATTEN [[gnu::noinline]] int64_t scanValues(const E* src, int64_t count, const E* set, int32_t lenSet) {
     Vector<E> members[maxTests];
     const int32_t tests = (lenSet + 3) / 4 * 4; // the last one some times again
     for (int32_t i = 0; i < tests; ++i) {
@@ -183,7 +185,7 @@ int64_t scanValues(const E* src, int64_t count, const E* set, int32_t lenSet) {
 }
 
 template <Way way, Seek seek, class E>
-int64_t scanAnalysis(const E* src, int64_t count, const Analysis<E>& set) {
+TAV_FLATTEN [[gnu::noinline]] int64_t scanAnalysis(const E* src, int64_t count, const Analysis<E>& set) {
     using V = Vector<E>;
     // The single values, then the ranges' first values: one array keeps the frame small.
     struct Tests {
@@ -230,7 +232,7 @@ int64_t scanElements(const E* src, int64_t count, const Contains& contains) {
 /// By a table of the members' keys, a key being the exclusive or of a value's two bytes: exact for bytes, a
 /// filter for 16-bit units.
 template <Way way, Seek seek, class E>
-int64_t scanByTable(const E* src, int64_t count, const E* set, int32_t lenSet) {
+TAV_FLATTEN [[gnu::noinline]] int64_t scanByTable(const E* src, int64_t count, const E* set, int32_t lenSet) {
     std::array<bool, 256> table = {};
     const auto key = [](E value) { return static_cast<uint8_t>(value ^ value >> 8); };
     for (int32_t i = 0; i < lenSet; ++i) {

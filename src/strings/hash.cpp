@@ -53,10 +53,11 @@ __m128i digits(const E* src) {
         const __m128i odd = _mm_srli_epi16(elements, 8);
         const __m128i pairs = _mm_add_epi16(_mm_sub_epi16(_mm_slli_epi16(even, 5), even), odd);
         return _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | powerOf31(2)));
+    } else {
+        // The multiplication is signed: units are biased by 2^15, which makes each digit 2^20 too small.
+        const __m128i biased = _mm_xor_si128(elements, _mm_set1_epi16(-0x8000));
+        return _mm_add_epi32(_mm_madd_epi16(biased, _mm_set1_epi32(1 << 16 | 31)), _mm_set1_epi32(1 << 20));
     }
-    // The multiplication is signed: units are biased by 2^15, which makes each digit 2^20 too small.
-    const __m128i biased = _mm_xor_si128(elements, _mm_set1_epi16(-0x8000));
-    return _mm_add_epi32(_mm_madd_epi16(biased, _mm_set1_epi32(1 << 16 | 31)), _mm_set1_epi32(1 << 20));
 }
 
 /// Four running digits, even and odd ones apart, because SSE2 multiplies 32-bit lanes only by twos. The upper

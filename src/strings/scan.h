@@ -31,8 +31,11 @@ bool anyInFour(int64_t at, const Test& test) {
     constexpr int64_t size = Vector<E>::size;
     const Vector<E> a = test(WholeBlock<E>{at}), b = test(WholeBlock<E>{at + size});
     const Vector<E> c = test(WholeBlock<E>{at + 2 * size}), d = test(WholeBlock<E>{at + 3 * size});
-    if constexpr (seek == Seek::hit) return ((a | b) | (c | d)).lanes().any();
-    return !((a & b) & (c & d)).lanes().all();
+    if constexpr (seek == Seek::hit) {
+        return ((a | b) | (c | d)).lanes().any();
+    } else {
+        return !((a & b) & (c & d)).lanes().all();
+    }
 }
 
 template <Seek seek, class E, class Block, class Rough, class Exact, class Accept>
@@ -133,8 +136,11 @@ int64_t scanBackward(int64_t count, const Test& test) {
 /// The same for a direction that a template chooses.
 template <Way way, Seek seek, class E, class Rough, class Exact, class Accept>
 int64_t scan(int64_t count, const Rough& rough, const Exact& exact, Accept accept) {
-    if constexpr (way == Way::forward) return scanForward<seek, E>(count, rough, exact, accept);
-    return scanBackward<seek, E>(count, rough, exact, accept);
+    if constexpr (way == Way::forward) {
+        return scanForward<seek, E>(count, rough, exact, accept);
+    } else {
+        return scanBackward<seek, E>(count, rough, exact, accept);
+    }
 }
 template <Way way, Seek seek, class E, class Test>
 int64_t scan(int64_t count, const Test& test) {

@@ -157,9 +157,12 @@ private:
 /// Goes on by the two-way algorithm from a start where the comparisons had cost too much.
 template <Way way, class E>
 int64_t searchLinearly(int64_t from, const E* src, int32_t len, const E* find, int32_t lenFind) {
-    if constexpr (way == Way::backward) return two_way::search<way>(src, from + lenFind, find, lenFind);
-    const int64_t later = two_way::search<way>(src + from, len - from, find, lenFind);
-    return later < 0 ? -1 : from + later;
+    if constexpr (way == Way::backward) {
+        return two_way::search<way>(src, from + lenFind, find, lenFind);
+    } else {
+        const int64_t later = two_way::search<way>(src + from, len - from, find, lenFind);
+        return later < 0 ? -1 : from + later;
+    }
 }
 
 /// Below so many starts the needle's ends and middle serve as anchors.

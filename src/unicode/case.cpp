@@ -19,16 +19,16 @@ using Units = Vector<uint16_t>;
 
 // ------------------------------------------------------------------------------------------- the definition
 
-constexpr int32_t caseDelta(uint32_t record) {
+consteval int32_t caseDelta(uint32_t record) {
     return static_cast<int32_t>(record) >> tables::caseDeltaShift;
 }
 
 /// The difference from a unit with this record to its lower and to its upper case.
-constexpr int32_t lowerDelta(uint32_t record) {
+consteval int32_t lowerDelta(uint32_t record) {
     return (record & tables::caseHasLower) != 0 ? caseDelta(record) : 0;
 }
 
-constexpr int32_t upperDelta(uint32_t record) {
+consteval int32_t upperDelta(uint32_t record) {
     return (record & tables::caseHasUpper) != 0 ? -caseDelta(record) : 0;
 }
 
@@ -38,7 +38,7 @@ constexpr int32_t upperDelta(uint32_t record) {
 using Deltas = std::array<int16_t, std::size(tables::caseStage2)>;
 
 template <class DeltaOf>
-constexpr Deltas makeDeltas(DeltaOf deltaOf) {
+consteval Deltas makeDeltas(DeltaOf deltaOf) {
     Deltas deltas = {};
     for (std::size_t i = 0; i < deltas.size(); ++i)
         deltas[i] = static_cast<int16_t>(deltaOf(tables::caseRecords[tables::caseStage2[i]]));
@@ -54,7 +54,7 @@ constexpr uint16_t mapByDelta(const Deltas& deltas, uint32_t unit) {
 constexpr uint16_t directEnd = 0x600;
 using Direct = std::array<uint16_t, directEnd>;
 
-constexpr Direct makeDirect(const Deltas& deltas) {
+consteval Direct makeDirect(const Deltas& deltas) {
     Direct direct = {};
     for (uint32_t unit = 0; unit < directEnd; ++unit)
         direct[unit] = mapByDelta(deltas, unit);

@@ -112,8 +112,11 @@ static_assert(farUnits >= 26 && farBytes >= 26 + 3);
 template <bool bigEndian>
 Units loadUnits(const uint16_t* p) {
     const Units units = Units::load(p);
-    if constexpr (!bigEndian) return units;
-    return {_mm_or_si128(_mm_slli_epi16(units.raw, 8), _mm_srli_epi16(units.raw, 8))};
+    if constexpr (bigEndian) {
+        return {_mm_or_si128(_mm_slli_epi16(units.raw, 8), _mm_srli_epi16(units.raw, 8))};
+    } else {
+        return units;
+    }
 }
 
 bool isAscii(Units block) {
@@ -172,7 +175,7 @@ struct Packing {
     int64_t size;
 };
 
-constexpr Packing makePacking(uint32_t ascii) {
+consteval Packing makePacking(uint32_t ascii) {
     Packing made = {};
     for (uint32_t place = 0; place < 8; ++place) {
         if (place % 2 == 1 && (ascii >> place / 2 & 1) != 0) continue;
@@ -187,7 +190,7 @@ constexpr Packing makePacking(uint32_t ascii) {
     return made;
 }
 
-constexpr std::array<Packing, 16> makePackings() {
+consteval std::array<Packing, 16> makePackings() {
     std::array<Packing, 16> made = {};
     for (uint32_t ascii = 0; ascii < 16; ++ascii)
         made[ascii] = makePacking(ascii);

@@ -109,8 +109,11 @@ Bytes select(Bytes condition, Bytes yes, Bytes no) {
 
 template <bool bigEndian>
 Units inOrder(Units units) {
-    if constexpr (!bigEndian) return units;
-    return {_mm_or_si128(_mm_slli_epi16(units.raw, 8), _mm_srli_epi16(units.raw, 8))};
+    if constexpr (bigEndian) {
+        return {_mm_or_si128(_mm_slli_epi16(units.raw, 8), _mm_srli_epi16(units.raw, 8))};
+    } else {
+        return units;
+    }
 }
 
 /// Sixteen units, not all of which need count.
@@ -139,7 +142,7 @@ struct Compression {
     int32_t count;
 };
 
-constexpr Compression makeCompression(uint32_t keep) {
+consteval Compression makeCompression(uint32_t keep) {
     Compression made = {};
     for (uint32_t lane = 0; lane < 8; ++lane) {
         if ((keep >> lane & 1) == 0) continue;
@@ -154,7 +157,7 @@ constexpr Compression makeCompression(uint32_t keep) {
     return made;
 }
 
-constexpr std::array<Compression, 256> makeCompressions() {
+consteval std::array<Compression, 256> makeCompressions() {
     std::array<Compression, 256> made = {};
     for (uint32_t keep = 0; keep < 256; ++keep)
         made[keep] = makeCompression(keep);

@@ -10,16 +10,16 @@ namespace {
 
 using EscapeTable = std::array<Escape, 128>;
 
-constexpr void set(EscapeTable& table, std::string_view letters, EscapeKind kind) {
+consteval void set(EscapeTable& table, std::string_view letters, EscapeKind kind) {
     for (const char letter : letters)
         table[static_cast<std::size_t>(letter)].kind = kind;
 }
 
-constexpr void setCharacter(EscapeTable& table, char letter, uint8_t character) {
+consteval void setCharacter(EscapeTable& table, char letter, uint8_t character) {
     table[static_cast<std::size_t>(letter)] = {EscapeKind::character, character};
 }
 
-constexpr EscapeTable commonEscapes() {
+consteval EscapeTable commonEscapes() {
     EscapeTable table{};
     setCharacter(table, 'a', 7);
     setCharacter(table, 'e', 27);
@@ -37,7 +37,7 @@ constexpr EscapeTable commonEscapes() {
     return table;
 }
 
-constexpr EscapeTable outsideEscapes() {
+consteval EscapeTable outsideEscapes() {
     EscapeTable table = commonEscapes();
     set(table, "bBAZzG", EscapeKind::assertion);
     set(table, "0", EscapeKind::octal);
@@ -47,7 +47,7 @@ constexpr EscapeTable outsideEscapes() {
     return table;
 }
 
-constexpr EscapeTable insideEscapes() {
+consteval EscapeTable insideEscapes() {
     EscapeTable table = commonEscapes();
     setCharacter(table, 'b', 8);
     set(table, "01234567", EscapeKind::octal);
