@@ -60,7 +60,21 @@ install(FILES python/tavch.py DESTINATION ${TAVCH_PYTHON_DIR})
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${manifest})
 file(READ ${manifest} TAVCH_CONTENTS)
 configure_file(packaging/README.txt.in README.txt @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/README.txt LICENSE NOTICE DESTINATION ${TAVCH_TOP_DIR})
+install(FILES ${PROJECT_BINARY_DIR}/README.txt LICENSE NOTICE CHANGELOG.md SECURITY.md
+  ${PROJECT_BINARY_DIR}/tavch.spdx.json DESTINATION ${TAVCH_TOP_DIR})
+
+# The list of components. Its time is that of SOURCE_DATE_EPOCH where that is set.
+string(TIMESTAMP TAVCH_SBOM_TIME "%Y-%m-%dT%H:%M:%SZ" UTC)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS include/tavch.h include/tavch.hpp)
+file(SHA256 include/tavch.h TAVCH_HASH_H)
+file(SHA256 include/tavch.hpp TAVCH_HASH_HPP)
+configure_file(cmake/tavch.spdx.json.in tavch.spdx.json @ONLY)
+
+# script/docs makes the man pages.
+set(TAVCH_MAN_PAGES "" CACHE PATH "Folder of man pages to install")
+if(TAVCH_MAN_PAGES AND NOT WIN32)
+  install(DIRECTORY ${TAVCH_MAN_PAGES}/ DESTINATION ${CMAKE_INSTALL_MANDIR})
+endif()
 # What users read; the pages for those who change the library stay in the repository.
 set(TAVCH_PAGES getting-started patterns replacement errors limits threads tavexplain internals)
 list(TRANSFORM TAVCH_PAGES REPLACE "(.+)" "docs/\\1.md" OUTPUT_VARIABLE pages)

@@ -554,18 +554,25 @@ tavStatus tavsHashMSCS_16u32u(const uint16_t* pSrc, int32_t len, uint32_t* pHash
 tavStatus tavsLowercaseLatin_8u(const uint8_t* pSrc, uint8_t* pDst, int32_t len);
 /** tavsLowercaseLatin_8u for 16-bit units. tavsLowercase_16u knows all letters. */
 tavStatus tavsLowercaseLatin_16u(const uint16_t* pSrc, uint16_t* pDst, int32_t len);
-/** tavsLowercaseLatin_8u in place. */
+/**
+ * Turns the letters A to Z of a string into lower case, in place.
+ *
+ * @param pSrcDst  string
+ * @param len      number of elements; with 0 nothing is written
+ * @return tavStsNullPointer: pSrcDst is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ */
 tavStatus tavsLowercaseLatin_8u_I(uint8_t* pSrcDst, int32_t len);
-/** tavsLowercaseLatin_8u in place, for 16-bit units. */
+/** tavsLowercaseLatin_8u_I for 16-bit units. */
 tavStatus tavsLowercaseLatin_16u_I(uint16_t* pSrcDst, int32_t len);
 
 /** Copies a string with the letters a to z in upper case: arguments and statuses of tavsLowercaseLatin_8u. */
 tavStatus tavsUppercaseLatin_8u(const uint8_t* pSrc, uint8_t* pDst, int32_t len);
 /** tavsUppercaseLatin_8u for 16-bit units. tavsUppercase_16u knows all letters. */
 tavStatus tavsUppercaseLatin_16u(const uint16_t* pSrc, uint16_t* pDst, int32_t len);
-/** tavsUppercaseLatin_8u in place. */
+/** Turns the letters a to z of a string into upper case, in place: arguments and statuses of
+ *  tavsLowercaseLatin_8u_I. */
 tavStatus tavsUppercaseLatin_8u_I(uint8_t* pSrcDst, int32_t len);
-/** tavsUppercaseLatin_8u in place, for 16-bit units. */
+/** tavsUppercaseLatin_8u_I for 16-bit units. */
 tavStatus tavsUppercaseLatin_16u_I(uint16_t* pSrcDst, int32_t len);
 
 /* ------------------------------------------------------------------------------------------------------- */
@@ -660,11 +667,17 @@ tavStatus tavsConvertUTF_16u8u(const uint16_t* src, uint32_t* srcLen, uint8_t* d
  * @return tavStsNullPointer: a pointer is null; tavStsNegativeLength: len is negative; tavStsNoError.
  */
 tavStatus tavsLowercase_16u(const uint16_t* src, uint16_t* dst, int32_t len);
-/** Turns a string into lower case in place. Statuses as for tavsLowercase_16u. */
+/**
+ * Turns a string into lower case, in place.
+ *
+ * @param srcDst  string
+ * @param len     number of units
+ * @return tavStsNullPointer: srcDst is null; tavStsNegativeLength: len is negative; tavStsNoError.
+ */
 tavStatus tavsLowercase_16u_I(uint16_t* srcDst, int32_t len);
 /** Writes the upper case of a string: arguments and statuses of tavsLowercase_16u. */
 tavStatus tavsUppercase_16u(const uint16_t* src, uint16_t* dst, int32_t len);
-/** Turns a string into upper case in place. Statuses as for tavsLowercase_16u. */
+/** Turns a string into upper case, in place: arguments and statuses of tavsLowercase_16u_I. */
 tavStatus tavsUppercase_16u_I(uint16_t* srcDst, int32_t len);
 
 /**
@@ -907,6 +920,8 @@ tavStatus tavsRegExpInitAlloc(const char* pattern, const char* options, tavRegEx
 /**
  * Releases a block from tavsRegExpInitAlloc or tavsRegExpMultiInitAlloc, as tavsRegExpMultiFree does. Null is
  * allowed.
+ *
+ * @param state  the block, or null
  * @return tavStsNoError.
  */
 tavStatus tavsRegExpFree(void* state);
@@ -1100,6 +1115,8 @@ tavStatus tavsRegExpMultiInit(tavRegExpMultiContext* set, uint32_t maxPatterns);
  * Allocates a block with tavMalloc, makes an empty set in it and stores it in *setOut. Release it with
  * tavsRegExpMultiFree.
  *
+ * @param setOut       receives the set
+ * @param maxPatterns  number of slots, as for tavsRegExpMultiGetSize
  * @return tavStsNullPointer: setOut is null, or the allocation failed (*setOut is then null);
  *         tavStsBadCount: as tavsRegExpMultiGetSize (nothing is written); tavStsNoError.
  */
@@ -1108,6 +1125,8 @@ tavStatus tavsRegExpMultiInitAlloc(tavRegExpMultiContext** setOut, uint32_t maxP
 /**
  * Releases a block from tavsRegExpMultiInitAlloc, not the patterns in the set. Null is allowed. It is the
  * same function as tavsRegExpFree.
+ *
+ * @param set  the block, or null
  * @return tavStsNoError.
  */
 tavStatus tavsRegExpMultiFree(void* set);
@@ -1126,6 +1145,8 @@ tavStatus tavsRegExpMultiAdd(tavRegExpContext* pattern, uint32_t id, tavRegExpMu
 /**
  * Frees the lowest slot with an identifier.
  *
+ * @param id   the identifier, not 0
+ * @param set  the set
  * @return tavStsNullPointer: set is null; tavStsBadArgument: id is 0; tavStsNotFound: no slot has it;
  *         tavStsNoError. Nothing changes on a failure.
  */
@@ -1134,6 +1155,9 @@ tavStatus tavsRegExpMultiDelete(uint32_t id, tavRegExpMultiContext* set);
 /**
  * Puts another pattern into the lowest slot with an identifier, which it keeps.
  *
+ * @param pattern  the pattern that takes the place; it must outlive its membership
+ * @param id       the identifier, not 0
+ * @param set      the set
  * @return tavStsNullPointer: pattern or set is null; tavStsBadArgument: id is 0; tavStsNotFound: no slot has
  *         it; tavStsNoError. Nothing changes on a failure.
  * @note   A capacity below 0, which no initialiser makes, is not searched: tavsRegExpMultiAdd fills slot 0,

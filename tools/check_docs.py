@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Holds the written pages to the library: follows every link inside the tree and runs every example.
 
-    TAVCH_LIBRARY=... PYTHONPATH=python tools/check_docs.py --programs DIR [--cc CC] [--cxx CXX] [FILE...]
+    TAVCH_LIBRARY=... PYTHONPATH=python tools/check_docs.py --programs DIR [--cc CC] [--cxx CXX] [--site DIR] [FILE...]
 
 What is run, by the language of the fenced block:
 
@@ -9,6 +9,8 @@ What is run, by the language of the fenced block:
     matches          lines "/pattern/options  subject  => answer", see check_match
     replacements     lines "/pattern/options  template  subject  => answer"
     console          "$ command" and what it prints, for the programs in DIR; other commands are not run
+
+With --site, every link of the site's pages is followed as well.
 
 Texts stand in double quotes and know \\n, \\t, \\", \\\\ and \\xHH. An answer is the text found, then groups as N="text"
 or N=unset, or "none", or "error NAME at OFFSET". With the option g every match is listed, separated by commas.
@@ -195,11 +197,41 @@ def check_links(page, pages, problem):
                 problem(page, number, f"{target}: there is no such heading")
 
 
+def check_site(folder, problem):
+    """Every link from a page of the site to a file or a place in one."""
+    known = {}
+
+    def places(path):
+        if path not in known:
+            with open(path, encoding="utf-8") as file:
+                known[path] = set(re.findall(r'(?:id|name)="([^"]+)"', file.read()))
+        return known[path]
+
+    count = 0
+    for name in sorted(os.listdir(folder)):
+        if not name.endswith(".html"):
+            continue
+        with open(os.path.join(folder, name), encoding="utf-8") as file:
+            text = file.read()
+        for target in re.findall(r'(?:href|src)="([^"]+)"', text):
+            if re.match(r"[a-z]+:", target):
+                continue
+            count += 1
+            path, _, anchor = target.partition("#")
+            goal = os.path.join(folder, path.partition("?")[0]) if path else os.path.join(folder, name)
+            if not os.path.exists(goal):
+                problem(f"{name}: {target} does not exist")
+            elif anchor and goal.endswith(".html") and anchor not in places(goal):
+                problem(f"{name}: {target}: there is no such place")
+    return count
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--programs", required=True)
     parser.add_argument("--cc", default="cc")
     parser.add_argument("--cxx", default="c++")
+    parser.add_argument("--site")
     parser.add_argument("files", nargs="*")
     arguments = parser.parse_args()
     arguments.programs = os.path.abspath(arguments.programs)
@@ -250,6 +282,9 @@ def main():
                             problem(page, start, "the commands print\n" + "\n".join(should))
             if printed is not None:
                 problem(page, len(page.lines), "the last program has no block with what it prints")
+    if arguments.site:
+        links = check_site(arguments.site, problems.append)
+        print(f"{links} links in the site")
     for each in problems:
         print(each)
     print(f"{len(pages)} pages, {examples} examples, {len(problems)} problems")
