@@ -1,5 +1,6 @@
 #include "regex/match/analysis.h"
 
+#include "regex/match/alternatives.h"
 #include "regex/match/class_runs.h"
 #include "regex/match/first_bytes.h"
 
@@ -215,6 +216,7 @@ void analyse(Plan& plan) {
     if (uses(plan, shortcutRequiredByte)) plan.requiredByte = requiredByte(plan);
     if (uses(plan, shortcutClassRuns)) findClassRun(plan);
     if (uses(plan, shortcutVectorRuns)) findRunEnds(plan);
+    if (uses(plan, shortcutAlternatives)) findAlternatives(plan);
     if (uses(plan, shortcutPlainNodes)) usePlainNodes(plan);
 }
 

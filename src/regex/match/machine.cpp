@@ -1,5 +1,6 @@
 #include "regex/match/machine.h"
 
+#include "regex/match/alternatives.h"
 #include "regex/match/characters.h"
 #include "regex/match/stack_room.h"
 #include "regex/match/structure.h"
@@ -31,6 +32,9 @@ enum Sort : uint32_t {
 };
 
 constexpr uint32_t sortShift = 28;
+
+/// Where no alternative can begin. Not noNode: -1 stands for the place in front of the program.
+constexpr int32_t noAlternative = -2;
 
 constexpr uint32_t what(Sort sort, int32_t pc) {
     return sort << sortShift | static_cast<uint32_t>(pc);
@@ -93,9 +97,14 @@ void Machine<Nodes>::useStack(Record* memory, std::size_t capacity, std::size_t 
     saved_.top = memory + used;
 }
 
+/// Begins with the first alternative at top level that can begin here; false when there is none.
 template <class Nodes>
-void Machine<Nodes>::pushFirstAlternative(Registers& r) const {
-    *++r.top = {what(sortAlternative, 0), offset(r.p), plan_.firstAlternative, matchLimit_};
+bool Machine<Nodes>::beginAlternatives(Registers& r) const {
+    const Ways ways = waysAt(r.p, plan_.firstNode, -1, plan_.firstAlternative);
+    if (ways.first == noAlternative) return false;
+    if (ways.next != noNode) *++r.top = {what(sortAlternative, 0), offset(r.p), ways.next, matchLimit_};
+    r.pc = ways.first + 1;
+    return true;
 }
 
 /// Goes on with more room for records, taken from the machine stack: once the whole that the default limit
@@ -602,18 +611,43 @@ bool Machine<Nodes>::takeAnother(Registers& r) {
 // -------------------------------------------------------------------------------------------------
 
 template <class Nodes>
+bool Machine<Nodes>::mayBegin(const Node& node, const uint8_t* p) const {
+    if constexpr (Nodes::remembers) return true; // the memory tells apart what is left out here
+    return p >= end_ || mayBeginWith(plan_, node, *p);
+}
+
+/// The first marker from `marker` on whose alternative can begin at `p`.
+template <class Nodes>
+int32_t Machine<Nodes>::wayFrom(int32_t marker, const uint8_t* p) const {
+    while (marker != noNode && !mayBegin(nodes_[marker], p))
+        marker = nodes_[marker].link;
+    return marker;
+}
+
+/// `opener`, at `pc`, stands in front of the first alternative, `marker` in front of the second.
+template <class Nodes>
+auto Machine<Nodes>::waysAt(const uint8_t* p, const Node& opener, int32_t pc, int32_t marker) const -> Ways {
+    if (mayBegin(opener, p)) return {pc, wayFrom(marker, p)};
+    const int32_t first = wayFrom(marker, p);
+    if (first == noNode) return {noAlternative, noNode};
+    return {first, wayFrom(nodes_[first].link, p)};
+}
+
+template <class Nodes>
 auto Machine<Nodes>::enterGroup(Registers& r, const Node& node) -> Step {
     if (!hasRoom(r, 2)) return Step::full;
+    const Ways ways = waysAt(r.p, node, r.pc, node.link);
+    if (ways.first == noAlternative) return Step::fail;
     if (node.has(traitCapture)) {
         Capture& slot = captures_[node.slot];
         if (node.has(traitSaveOpen)) *++r.top = {what(sortSlot, node.slot), slot.start, slot.length, 0};
         slot = {offset(r.p), 0};
     }
-    if (node.link != noNode) {
-        *++r.top = {what(sortAlternative, r.pc), offset(r.p), node.link, r.levels};
-        if (hasFailed(r, node.link, r.p, r.levels)) return Step::fail;
+    if (ways.next != noNode) {
+        *++r.top = {what(sortAlternative, r.pc), offset(r.p), ways.next, r.levels};
+        if (hasFailed(r, ways.next, r.p, r.levels)) return Step::fail;
     }
-    ++r.pc;
+    r.pc = ways.first + 1;
     return Step::go;
 }
 
@@ -636,9 +670,9 @@ bool Machine<Nodes>::nextAlternative(Registers& r) {
     Record& record = *r.top;
     const int32_t marker = record.bound;
     remember(r, marker, record.at, record.levels);
-    record.bound = nodes_[marker].link;
     r.p = begin_ + record.at;
     r.pc = marker + 1;
+    record.bound = wayFrom(nodes_[marker].link, r.p);
     r.levels = record.levels;
     if (record.bound != noNode) return !hasFailed(r, record.bound, r.p, r.levels);
     --r.top;
@@ -650,19 +684,25 @@ bool Machine<Nodes>::nextAlternative(Registers& r) {
 
 /// Begins iteration `count` of the loop whose opener is `node`; false when it is known to fail.
 template <class Nodes>
-bool Machine<Nodes>::beginIteration(Registers& r, const Node& node, int32_t opener, int32_t count) {
+bool Machine<Nodes>::beginIteration(Registers& r, const Node& node, int32_t opener, int32_t count,
+                                    const Ways& ways) {
     Bracket& loop = bracket(node);
     Capture& slot = captures_[node.slot];
     r.top += 2;
     replacedBy(r.top) = {loop.record, slot.start, slot.length, count};
-    *r.top = {what(sortIteration, opener), offset(r.p), node.link, r.levels};
+    *r.top = {what(sortIteration, opener), offset(r.p), ways.next, r.levels};
     loop.record = static_cast<int32_t>(r.top - stack_);
-    r.pc = opener + 1;
+    r.pc = ways.first + 1;
     if (hasFailed(r, opener, r.p, r.levels)) {
         r.top->bound = noNode;
         return false;
     }
-    return node.link == noNode || !hasFailed(r, node.link, r.p, r.levels);
+    return ways.next == noNode || !hasFailed(r, ways.next, r.p, r.levels);
+}
+
+template <class Nodes>
+bool Machine<Nodes>::beginIteration(Registers& r, const Node& node, int32_t opener, int32_t count) {
+    return beginIteration(r, node, opener, count, Ways{opener, node.link});
 }
 
 template <class Nodes>
@@ -678,7 +718,13 @@ auto Machine<Nodes>::enterLoop(Registers& r, const Node& node) -> Step {
         r.pc = node.next;
         return Step::go;
     }
-    const bool hope = beginIteration(r, node, r.pc, 1);
+    const Ways ways = waysAt(r.p, node, r.pc, node.link);
+    if (ways.first == noAlternative) {
+        if (node.min > 0) return Step::fail;
+        r.pc = node.next;
+        return Step::go;
+    }
+    const bool hope = beginIteration(r, node, r.pc, 1, ways);
     if (node.has(traitCapture)) captures_[node.slot] = {offset(r.p), 0};
     return hope ? Step::go : Step::fail;
 }
@@ -722,9 +768,15 @@ auto Machine<Nodes>::endIteration(Registers& r, const Node& node, int32_t began,
             runOutOfLevels(r);
             return Step::fail;
         }
-        --r.levels;
         const auto& opener = nodes_[node.other];
-        return beginIteration(r, opener, node.other, count + 1) ? Step::go : Step::fail;
+        const Ways ways = waysAt(r.p, opener, node.other, opener.link);
+        if (ways.first != noAlternative) {
+            --r.levels;
+            return beginIteration(r, opener, node.other, count + 1, ways) ? Step::go : Step::fail;
+        }
+        if (count < node.min) return Step::fail;
+        r.pc = node.next;
+        return Step::go;
     }
     if (more) {
         *++r.top = {what(sortIterateLazily, node.other), offset(r.p), count, r.levels};
@@ -755,7 +807,7 @@ bool Machine<Nodes>::retryIteration(Registers& r) {
     const Record record = *r.top;
     if (record.bound != noNode) {
         rememberPart(r, record.bound, record.at, record.levels);
-        const int32_t link = nodes_[record.bound].link;
+        const int32_t link = wayFrom(nodes_[record.bound].link, begin_ + record.at);
         r.top->bound = link;
         r.p = begin_ + record.at;
         r.pc = record.bound + 1;

@@ -97,7 +97,7 @@ public:
         notEmpty_ = notEmpty;
         if (capturesDirty_ || plan_.capturesStay) clearCaptures();
         Registers r{start, 0, matchLimit_, stack_};
-        if (plan_.firstAlternative != noNode) pushFirstAlternative(r);
+        if (plan_.firstAlternative != noNode && !beginAlternatives(r)) return Outcome::failed;
         patience_ = plan_.patience + static_cast<int64_t>(plan_.choices) * (end - start);
         Outcome outcome = run(r);
         if (outcome == Outcome::full) outcome = matchOnLargerStack();
@@ -126,6 +126,13 @@ private:
         const uint8_t* end;
     };
 
+    /// Where the alternatives to try begin: the first one behind `first`, the others behind `next` and the
+    /// markers linked to it.
+    struct Ways {
+        int32_t first; // noAlternative when there are none
+        int32_t next;
+    };
+
     Outcome matchOnLargerStack();
     Outcome run(const Registers& from);
     template <class Part>
@@ -133,7 +140,7 @@ private:
     Outcome resume() { return run(saved_); }
     std::size_t nextCapacity() const;
     void useStack(Record* memory, std::size_t capacity, std::size_t used);
-    void pushFirstAlternative(Registers& r) const;
+    bool beginAlternatives(Registers& r) const;
 
     void clearCaptures() {
         for (int32_t slot = 0; slot < plan_.program.groupCount; ++slot)
@@ -163,6 +170,12 @@ private:
     Step leaveBody(Registers& r, const Node& node);
     Step leaveAtomicIteration(Registers& r, const Node& closing, Record* iteration);
     TAV_HOT bool beginIteration(Registers& r, const Node& node, int32_t opener, int32_t count);
+    TAV_HOT bool beginIteration(Registers& r, const Node& node, int32_t opener, int32_t count,
+                                const Ways& ways);
+
+    TAV_HOT Ways waysAt(const uint8_t* p, const Node& opener, int32_t pc, int32_t marker) const;
+    TAV_HOT int32_t wayFrom(int32_t marker, const uint8_t* p) const;
+    TAV_HOT bool mayBegin(const Node& node, const uint8_t* p) const;
 
     TAV_HOT bool backtrack(Registers& r);
     TAV_HOT bool nextAlternative(Registers& r);

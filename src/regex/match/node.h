@@ -83,7 +83,8 @@ struct Node {
     int32_t link = noNode; // opener: first OP_ALT_END of the body; OP_ALT_END: the following one
     int32_t other = noNode; // closing: the opener; lookaround and condition: where failure leads
     int16_t slot = 0;       // result slot
-    int16_t follows = -1;   // repeat: the byte that must stand where the repeat ends, -1 unknown
+    int16_t follows = -1;   // repeat: the byte that must stand where the repeat ends, -1 unknown; in front of
+                            // an alternative: the table of its first bytes (its bit is `mask`), -1 none
 
     constexpr bool has(Trait trait) const { return (traits & trait) != 0; }
 };

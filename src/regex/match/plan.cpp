@@ -6,6 +6,7 @@
 #include "regex/match/failed_states.h"
 #include "regex/match/structure.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace tav::regex {
@@ -119,6 +120,10 @@ void decodeAll(Plan& plan, Area& area) {
     const auto room = static_cast<int32_t>(left / sizeof(RunTest));
     plan.runTestCount = plan.classCount < room ? plan.classCount : room;
     plan.runTests = area.take<RunTest>(static_cast<std::size_t>(plan.runTestCount));
+    constexpr std::size_t mostTables = 16;
+    plan.alternativeTableCount = static_cast<int32_t>(std::min(mostTables, area.left() / sizeof(ClassTable)));
+    plan.alternatives = area.take<ClassTable>(static_cast<std::size_t>(plan.alternativeTableCount));
+    plan.firstNode = Node{};
 }
 
 /// What the memory of failed states depends on.

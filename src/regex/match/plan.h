@@ -87,6 +87,9 @@ struct Plan {
     ByteSet* members;  // by class: the bytes that it accepts as characters; from 0x80 up, as malformed ones
     RunTest* runTests; // of the first `runTestCount` classes
     int32_t runTestCount;
+    ClassTable* alternatives; // by number and byte: the alternatives that can begin with the byte
+    int32_t alternativeTableCount;
+    Node firstNode;         // for the first alternative at top level, which no node stands in front of
     bool leadingIsBytewise; // the leading run consists of one-byte characters, whatever position it begins at
     bool isClassRun;        // the program is a run of one class: `classRun`
     int32_t classRunMinimum;

@@ -19,8 +19,9 @@ enum Shortcut : uint32_t {
     shortcutPlainNodes = 1 << 9,      // nodes for the simplest cases of groups and repeats
     shortcutLiteralMatches = 1 << 10, // the occurrences of a literal that is the whole pattern are listed
     shortcutFailedStates = 1 << 11,   // what has failed once at a position is not tried there again
+    shortcutAlternatives = 1 << 12,   // alternatives that cannot begin with the byte are not tried
 };
 
-inline constexpr uint32_t everyShortcut = (1 << 12) - 1;
+inline constexpr uint32_t everyShortcut = (1 << 13) - 1;
 
 } // namespace tav::regex
