@@ -66,8 +66,8 @@ install(FILES ${PROJECT_BINARY_DIR}/README.txt LICENSE NOTICE CHANGELOG.md SECUR
 # The list of components. Its time is that of SOURCE_DATE_EPOCH where that is set.
 string(TIMESTAMP TAVCH_SBOM_TIME "%Y-%m-%dT%H:%M:%SZ" UTC)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS include/tavch.h include/tavch.hpp)
-file(SHA256 include/tavch.h TAVCH_HASH_H)
-file(SHA256 include/tavch.hpp TAVCH_HASH_HPP)
+file(SHA256 ${PROJECT_SOURCE_DIR}/include/tavch.h TAVCH_HASH_H)
+file(SHA256 ${PROJECT_SOURCE_DIR}/include/tavch.hpp TAVCH_HASH_HPP)
 configure_file(cmake/tavch.spdx.json.in tavch.spdx.json @ONLY)
 
 # script/docs makes the man pages.

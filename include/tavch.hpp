@@ -85,8 +85,10 @@ struct Error {
 template <class T>
 class Result {
 public:
-    Result(T value) noexcept(std::is_nothrow_move_constructible_v<T>) : value_(std::move(value)) {}
-    Result(Error error) noexcept : error_(error) {}
+    // Implicit, so that a function may return either.
+    Result(T&& value) noexcept(std::is_nothrow_move_constructible_v<T>) // NOLINT(google-explicit-constructor)
+        : value_(std::move(value)) {}
+    Result(Error error) noexcept : error_(error) {} // NOLINT(google-explicit-constructor)
 
     explicit operator bool() const noexcept { return !error_; }
     const Error& error() const noexcept { return error_; }
@@ -194,7 +196,9 @@ public:
 
 private:
     friend class Pattern;
-    BasicMatch() noexcept {} // The entries are written by the search.
+    // The entries are written by the search.
+    // cppcheck-suppress uninitMemberVarPrivate
+    BasicMatch() noexcept {}
 
     tavRegExpFindResult entries_[Capacity];
     std::int32_t stored_ = 0;
