@@ -583,3 +583,47 @@ TYPED_TEST(EditTest, AMoveIsSafeInBothDirections) {
     EXPECT_EQ(tav::moveElements(buffer.data() + 2, buffer.data(), 6), tavStsNoError);
     EXPECT_EQ(shown(buffer.data(), 8), "abcdefef");
 }
+
+TYPED_TEST(EditTest, TextMovesByAnyDistanceInBothDirections) {
+    using E = TypeParam;
+    // Distances below, at and beyond a vector and a step of vectors; lengths up to where copies change
+    // methods.
+    Random random(19);
+    constexpr int32_t unit = 16 / sizeof(E);
+    GuardedBuffer<E> buffer(6000 / sizeof(E));
+    for (const int32_t distance :
+         {1, 2, 3, unit - 1, unit, unit + 1, 3 * unit, 4 * unit, 4 * unit + 1, 9 * unit}) {
+        for (int32_t count = 0; count < 4000 / static_cast<int32_t>(sizeof(E));
+             count += count < 150 ? 1 : 61) {
+            const auto src = random.text<E>(static_cast<std::size_t>(count), 0x10000, 0);
+            const auto piece = random.text<E>(static_cast<std::size_t>(distance), 0x10000, 0);
+            auto expected = piece;
+            expected.insert(expected.end(), src.begin(), src.end());
+            E* const place = buffer.tail(expected.size());
+            std::copy(src.begin(), src.end(), place);
+            int32_t len = count;
+            ASSERT_EQ(Api<E>::insertInPlace(piece.data(), distance, place, &len, 0), tavStsNoError);
+            ASSERT_TRUE(std::equal(expected.begin(), expected.end(), place)) << count << ' ' << distance;
+            ASSERT_EQ(Api<E>::removeInPlace(place, &len, 0, distance), tavStsNoError);
+            ASSERT_EQ(len, count);
+            ASSERT_TRUE(std::equal(src.begin(), src.end(), place)) << count << ' ' << distance;
+        }
+    }
+}
+
+TYPED_TEST(EditTest, CopiesOfEveryLengthWriteNothingElse) {
+    using E = TypeParam;
+    Random random(20);
+    GuardedBuffer<E> from(12000), to(5000); // room for two copies of the source
+    for (std::size_t count = 0; count < 5000 / sizeof(E); count += count < 300 ? 1 : 97) {
+        const auto src = random.text<E>(count, 0x10000, 0);
+        const E none = 0;
+        for (const E* place : {from.copyToTail(src.data(), count), from.copyToHead(src.data(), count)}) {
+            E* const dst = to.tail(count + 1);
+            std::fill_n(dst, count + 1, E{filler});
+            ASSERT_EQ(Api<E>::concat(place, length(src), &none, 0, dst), tavStsNoError);
+            ASSERT_TRUE(std::equal(src.begin(), src.end(), dst)) << count;
+            ASSERT_EQ(dst[count], filler) << count;
+        }
+    }
+}
