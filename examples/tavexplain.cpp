@@ -64,7 +64,8 @@ std::string character(std::int32_t value) {
            hexadecimal(static_cast<std::uint32_t>(value));
 }
 
-std::string letters(std::int32_t options) {
+std::string letters(std::int32_t bits) {
+    const auto options = static_cast<std::uint32_t>(bits);
     std::string out;
     if (options & optionDotAll) out += 's';
     if (options & optionMultiLine) out += 'm';
