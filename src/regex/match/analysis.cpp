@@ -49,8 +49,6 @@ void analyseStart(Plan& plan) {
     const bool alternatives = plan.firstAlternative != noNode;
     if (!alternatives && node.kind == Kind::assertion && node.byte == anchorLineStart) {
         plan.start = StartFilter::lineStart;
-    } else if (!alternatives && node.kind == Kind::string && node.min > 1) {
-        plan.start = StartFilter::literal;
     } else {
         findPrefix(plan);
         if (plan.prefix.length > 0) plan.start = StartFilter::prefix;

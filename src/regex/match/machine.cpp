@@ -627,10 +627,10 @@ int32_t Machine<Nodes>::wayFrom(int32_t marker, const uint8_t* p) const {
 /// `opener`, at `pc`, stands in front of the first alternative, `marker` in front of the second.
 template <class Nodes>
 auto Machine<Nodes>::waysAt(const uint8_t* p, const Node& opener, int32_t pc, int32_t marker) const -> Ways {
-    if (mayBegin(opener, p)) return {pc, wayFrom(marker, p)};
+    if (mayBegin(opener, p)) return {pc, marker};
     const int32_t first = wayFrom(marker, p);
     if (first == noNode) return {noAlternative, noNode};
-    return {first, wayFrom(nodes_[first].link, p)};
+    return {first, nodes_[first].link};
 }
 
 template <class Nodes>
@@ -668,11 +668,15 @@ auto Machine<Nodes>::leaveGroup(Registers& r, const Node& node) -> Step {
 template <class Nodes>
 bool Machine<Nodes>::nextAlternative(Registers& r) {
     Record& record = *r.top;
-    const int32_t marker = record.bound;
-    remember(r, marker, record.at, record.levels);
     r.p = begin_ + record.at;
+    const int32_t marker = wayFrom(record.bound, r.p);
+    if (marker == noNode) {
+        --r.top;
+        return false;
+    }
+    remember(r, marker, record.at, record.levels);
     r.pc = marker + 1;
-    record.bound = wayFrom(nodes_[marker].link, r.p);
+    record.bound = nodes_[marker].link;
     r.levels = record.levels;
     if (record.bound != noNode) return !hasFailed(r, record.bound, r.p, r.levels);
     --r.top;
@@ -805,12 +809,13 @@ bool Machine<Nodes>::iterateLazily(Registers& r) {
 template <class Nodes>
 bool Machine<Nodes>::retryIteration(Registers& r) {
     const Record record = *r.top;
-    if (record.bound != noNode) {
-        rememberPart(r, record.bound, record.at, record.levels);
-        const int32_t link = wayFrom(nodes_[record.bound].link, begin_ + record.at);
+    const int32_t marker = wayFrom(record.bound, begin_ + record.at);
+    if (marker != noNode) {
+        rememberPart(r, marker, record.at, record.levels);
+        const int32_t link = nodes_[marker].link;
         r.top->bound = link;
         r.p = begin_ + record.at;
-        r.pc = record.bound + 1;
+        r.pc = marker + 1;
         r.levels = record.levels;
         return link == noNode || !hasFailed(r, link, r.p, r.levels);
     }

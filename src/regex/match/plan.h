@@ -47,7 +47,6 @@ enum class StartFilter : uint8_t {
     none,      // any
     prefix,    // those that `prefix` accepts
     classRun,  // those where a run of `classRun` begins that ends in front of one of `runFollows`
-    literal,   // those where the literal of node 0 stands
     lineStart, // the subject's start, or behind a line feed
 };
 

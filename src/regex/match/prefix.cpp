@@ -3,8 +3,10 @@
 #include "regex/match/characters.h"
 #include "regex/match/first_bytes.h"
 #include "regex/match/plan.h"
+#include "strings/substring.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace tav::regex {
@@ -26,16 +28,18 @@ public:
 
     int32_t length() const { return limit_; }
     const ByteSet& bytes(int32_t offset) const { return bytes_[offset]; }
+    int32_t alternatives() const { return mostAlternatives - std::countl_zero(used_); }
+    const ByteSet& bytesOf(int32_t alternative, int32_t offset) const { return sets_[offset][alternative]; }
+
     void writeTable(int32_t offset, uint8_t (&table)[256]) const {
+        constexpr int32_t buckets = 8;
         std::memset(table, 0, sizeof table);
-        for (int32_t bucket = 0; bucket < buckets; ++bucket) {
-            const auto bit = static_cast<uint8_t>(1u << bucket);
-            if (used_ & bit) sets_[offset][bucket].writeTo(table, bit);
-        }
+        for (int32_t i = 0; i < alternatives(); ++i)
+            sets_[offset][i].writeTo(table, static_cast<uint8_t>(1u << (i % buckets)));
     }
 
 private:
-    static constexpr int32_t buckets = 8;
+    static constexpr int32_t mostAlternatives = 16; // what are more share the places
 
     void stopAt(int32_t offset) {
         if (offset < limit_) limit_ = offset;
@@ -43,14 +47,14 @@ private:
 
     void add(int32_t offset, const Node& node) {
         addItem(plan_, node, bytes_[offset]);
-        if (offset < Prefix::tables) addItem(plan_, node, sets_[offset][bucket_]);
-        used_ |= 1u << bucket_;
+        if (offset < Prefix::tables) addItem(plan_, node, sets_[offset][current_]);
+        use();
     }
 
     void addByte(int32_t offset, uint8_t byte) {
         bytes_[offset].add(byte);
-        if (offset < Prefix::tables) sets_[offset][bucket_].add(byte);
-        used_ |= 1u << bucket_;
+        if (offset < Prefix::tables) sets_[offset][current_].add(byte);
+        use();
     }
 
     void walk(int32_t pc, int32_t offset) {
@@ -158,34 +162,36 @@ private:
         return noNode;
     }
 
-    /// The first alternation met fills the buckets.
+    void use() { used_ = static_cast<uint16_t>(used_ | 1u << current_); }
+
+    /// The alternatives of the first alternation met are kept apart.
     void alternatives(int32_t pc, int32_t marker, int32_t offset) {
         const bool apart = !apart_ && marker != noNode;
         apart_ = apart_ || apart;
         walk(pc, offset);
         for (; marker != noNode; marker = plan_.nodes[marker].link) {
-            if (apart) nextBucket(offset);
+            if (apart) nextAlternative(offset);
             walk(marker + 1, offset);
         }
-        if (apart) bucket_ = 0;
+        if (apart) current_ = 0;
     }
 
     /// What stands before the alternation stands before every alternative.
-    void nextBucket(int32_t offset) {
-        bucket_ = (bucket_ + 1) % buckets;
+    void nextAlternative(int32_t offset) {
+        current_ = (current_ + 1) % mostAlternatives;
         for (int32_t before = 0; before < std::min(offset, Prefix::tables); ++before)
-            sets_[before][bucket_].add(sets_[before][0]);
-        if (offset > 0) used_ |= 1u << bucket_;
+            sets_[before][current_].add(sets_[before][0]);
+        if (offset > 0) use();
     }
 
     const Plan& plan_;
     int32_t fuel_ = 2000;
     int32_t limit_ = Prefix::maximum;
-    int32_t bucket_ = 0;
-    uint32_t used_ = 0;
+    int32_t current_ = 0;
+    uint16_t used_ = 0;
     bool apart_ = false;
     ByteSet bytes_[Prefix::maximum];
-    ByteSet sets_[Prefix::tables][buckets];
+    ByteSet sets_[Prefix::tables][mostAlternatives];
 };
 
 /// Bytes so rare that looking for others beside them does not pay.
@@ -227,6 +233,74 @@ void chooseAnchors(const PrefixWalk& walk, Prefix& prefix) {
     prefix.ranges[1].set(ranges[1]);
 }
 
+/// A byte of an alternative as the pair test sees it: one value, or a letter in both cases.
+struct PairByte {
+    bool fits;
+    uint8_t value;
+    uint8_t caseBit;
+};
+
+PairByte pairByteOf(const ByteSet& bytes) {
+    const ByteRanges ranges = ByteRanges::covering(bytes, 2);
+    const uint8_t last = ranges.last[ranges.count - 1];
+    if (!ranges.exact || ranges.count == 0) return {false, 0, 0};
+    if (ranges.isOneValue()) return {true, last, 0};
+    const bool isLetter = ranges.count == 2 && ranges.first[0] == ranges.last[0] && ranges.first[1] == last &&
+                          (ranges.first[0] ^ last) == 0x20 && isAsciiLetter(last);
+    return {isLetter, last, 0x20};
+}
+
+/// How common what an alternative has at an offset is; more than any byte where the pair test cannot use it.
+int32_t commonnessAt(const PrefixWalk& walk, int32_t alternative, int32_t offset) {
+    constexpr int32_t unusable = 10'000;
+    const PairByte byte = pairByteOf(walk.bytesOf(alternative, offset));
+    return byte.fits ? substring::commonness[byte.value] : unusable;
+}
+
+/// The two offsets at which the bytes of all alternatives together are rarest.
+bool choosePairOffsets(const PrefixWalk& walk, int32_t length, int32_t (&offsets)[2]) {
+    int32_t cost[2] = {INT32_MAX, INT32_MAX};
+    for (int32_t offset = 0; offset < length; ++offset) {
+        int32_t sum = 0;
+        for (int32_t i = 0; i < walk.alternatives(); ++i)
+            sum += commonnessAt(walk, i, offset);
+        if (sum >= cost[1] || sum >= 10'000) continue;
+        const int32_t place = sum < cost[0] ? 0 : 1;
+        if (place == 0) {
+            cost[1] = cost[0];
+            offsets[1] = offsets[0];
+        }
+        cost[place] = sum;
+        offsets[place] = offset;
+    }
+    return cost[1] < INT32_MAX;
+}
+
+void addPair(PairTable& pairs, uint8_t first, uint8_t second) {
+    for (int32_t i = 0; i < pairs.count; ++i)
+        if (pairs.value[0][i][0] == first && pairs.value[1][i][0] == second) return;
+    std::memset(pairs.value[0][pairs.count], first, 16);
+    std::memset(pairs.value[1][pairs.count], second, 16);
+    ++pairs.count;
+}
+
+void findPairs(const PrefixWalk& walk, Prefix& prefix) {
+    PairTable& pairs = prefix.pairs;
+    pairs.count = 0;
+    if (walk.alternatives() < 2 || !choosePairOffsets(walk, prefix.tableCount, pairs.offset)) return;
+    uint8_t caseBits[2] = {0, 0};
+    for (int32_t side = 0; side < 2; ++side) {
+        for (int32_t i = 0; i < walk.alternatives(); ++i)
+            caseBits[side] |= pairByteOf(walk.bytesOf(i, pairs.offset[side])).caseBit;
+        std::memset(pairs.caseBit[side], caseBits[side], 16);
+    }
+    for (int32_t i = 0; i < walk.alternatives(); ++i) {
+        const PairByte first = pairByteOf(walk.bytesOf(i, pairs.offset[0]));
+        const PairByte second = pairByteOf(walk.bytesOf(i, pairs.offset[1]));
+        addPair(pairs, first.value | caseBits[0], second.value | caseBits[1]);
+    }
+}
+
 /// Does a word boundary stand in front of everything, and a word character behind it?
 bool beginsWord(const Plan& plan, const ByteSet& first) {
     if (plan.firstAlternative != noNode) return false;
@@ -252,6 +326,7 @@ void findPrefix(Plan& plan) {
         walk.writeTable(offset, prefix.table[offset]);
     if (prefix.length == 0) return;
     chooseAnchors(walk, prefix);
+    findPairs(walk, prefix);
     prefix.afterNonWord = beginsWord(plan, walk.bytes(0));
 }
 

@@ -8,6 +8,7 @@
 
 #include "regex/match/byte_set.h"
 #include "regex/match/node.h"
+#include "regex/match/pair_test.h"
 #include "regex/match/range_test.h"
 
 namespace tav::regex {
@@ -24,6 +25,7 @@ struct Prefix {
     bool isOneValue;                       // the rarer anchor is one value: `value`
     bool afterNonWord;                     // a match begins at a word character behind another character
     uint8_t value;                         //
+    PairTable pairs;                       // the bytes of few alternatives at two offsets
     RangeTable ranges[2];                  // what stands at the anchors, or more
     uint8_t table[tables][256];            // by offset and byte: the buckets that accept it
 

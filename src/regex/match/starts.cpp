@@ -16,8 +16,6 @@ const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) {
         return nextPrefix(p, end);
     case StartFilter::classRun:
         return nextClassRun(p, end);
-    case StartFilter::literal:
-        return nextLiteral(p, end);
     case StartFilter::lineStart:
         return nextLineStart(p, end);
     case StartFilter::none:
@@ -121,6 +119,7 @@ PositionBlock Starts::prefixBlock(const uint8_t* p, const uint8_t* last) const {
         return blockBy(
             [&](const uint8_t* q) { return first(Bytes::load(q + rarer)) & second(Bytes::load(q + other)); });
     };
+    if (prefix.pairs.count > 0) return blockBy(PairTest(prefix.pairs));
     if (prefix.isOneValue) return blockWith(ValueTest(prefix.value));
     const RangeTest first(prefix.ranges[0]);
     if (!prefix.afterNonWord) return blockWith(first);
@@ -144,20 +143,6 @@ const uint8_t* Starts::nextClassRun(const uint8_t* p, const uint8_t* end) {
     if (runBegins && plan_.classRunMinimum == 1) return p; // often this run is the one sought
     const uint8_t* const start = next(p, end - 1, fill, accept);
     return start != nullptr ? start : beginningOfRun(plan_, p, end);
-}
-
-const uint8_t* Starts::nextLiteral(const uint8_t* p, const uint8_t* end) const {
-    const Instruction& literal = plan_.program.code[0];
-    for (const uint8_t* q = p; q < end; ++q) {
-        const auto left = static_cast<int32_t>(end - q);
-        const int32_t at = literal.op == OP_CHAR
-                               ? indexOf(q, left, static_cast<uint8_t>(literal.a))
-                               : indexOf(q, left, static_cast<const uint8_t*>(literal.text), literal.b);
-        if (at < 0) return nullptr;
-        q += at;
-        if (isStart(q, p)) return q;
-    }
-    return nullptr;
 }
 
 } // namespace tav::regex

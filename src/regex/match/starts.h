@@ -30,7 +30,6 @@ private:
     template <class Fill, class Accept>
     const uint8_t* next(const uint8_t* p, const uint8_t* last, Fill fill, Accept accept);
     bool mayBegin(const uint8_t* q) const;
-    const uint8_t* nextLiteral(const uint8_t* p, const uint8_t* end) const;
     const uint8_t* nextLineStart(const uint8_t* p, const uint8_t* end) const;
     bool isStart(const uint8_t* q, const uint8_t* floor) const;
 
