@@ -81,15 +81,17 @@ struct Runner {
 struct Case {
     std::string family, size, kind;
     bool small = false;
-    bool adverse = false;
+    Nature nature = Nature::OneScript;
     std::vector<Runner> runners; ///< the library first, the plain loop second
     std::vector<double> nanoseconds;
 
     std::string name() const { return family + "/" + size + "/" + kind; }
 
+    bool adverse() const { return nature == Nature::Adverse || nature == Nature::Malformed; }
+
     double ratio() const {
         const auto peers = nanoseconds.begin() + 1;
-        return nanoseconds[0] / (adverse ? *peers : *std::min_element(peers, nanoseconds.end()));
+        return nanoseconds[0] / (adverse() ? *peers : *std::min_element(peers, nanoseconds.end()));
     }
 };
 
@@ -289,22 +291,27 @@ struct Summary {
         ++count;
         if (one.ratio() > worst) worst = one.ratio(), worstCase = one.name();
     }
-    void print(const char* title, double mark) const {
+    void print(const std::string& title, double mark) const {
         if (count == 0) return;
-        std::printf("%-32s %5.2f  mark %4.2f  worst %5.2f  %s\n", title, std::exp(sum / count), mark, worst,
-                    worstCase.c_str());
+        std::printf("%-36s %5.2f  mark %4.2f  worst %5.2f  %s\n", title.c_str(), std::exp(sum / count), mark,
+                    worst, worstCase.c_str());
     }
 };
 
 void printMeans(const std::vector<Case>& cases) {
     std::printf("\ngeometric means against the best peer of each case\n");
     for (const Mark& mark : marks) {
-        Summary small, large, adverse;
-        for (const Case& one : cases)
-            if (belongs(one, mark)) (one.adverse ? adverse : one.small ? small : large).add(one);
-        small.print((std::string(mark.title) + ", small").c_str(), mark.small);
-        large.print((std::string(mark.title) + ", large").c_str(), mark.large);
-        adverse.print((std::string(mark.title) + ", adverse").c_str(), 1);
+        Summary one[2], mixed[2], adverse[2]; // large, small
+        for (const Case& each : cases)
+            if (belongs(each, mark))
+                (each.adverse() ? adverse : each.nature == Nature::Mixed ? mixed : one)[each.small].add(each);
+        const std::string title = mark.title;
+        one[1].print(title + ", small", mark.small);
+        one[0].print(title + ", large", mark.large);
+        mixed[1].print(title + ", mixed, small", mark.small);
+        mixed[0].print(title + ", mixed, large", mark.large);
+        adverse[1].print(title + ", adverse, small", 1);
+        adverse[0].print(title + ", adverse, large", 1);
     }
 }
 
@@ -314,7 +321,7 @@ void writeJson(const std::vector<Case>& cases, const std::string& path) {
     for (const Case& one : cases) {
         out << (&one == &cases.front() ? "\n" : ",\n") << R"({"family": ")" << one.family << R"(", "size": ")"
             << one.size << R"(", "text": ")" << one.kind << R"(", "adverse": )"
-            << (one.adverse ? "true" : "false");
+            << (one.adverse() ? "true" : "false");
         for (std::size_t i = 0; i < one.runners.size(); ++i)
             out << ", \"" << one.runners[i].name << "\": " << one.nanoseconds[i];
         out << "}";
@@ -362,9 +369,7 @@ int main(int argc, char** argv) {
     for (const auto& family : {"8to16", "16to8", "lower", "upper", "compare-same", "compare-other"})
         for (const auto& size : sizes)
             for (const Kind& kind : textKinds()) {
-                Case one = {
-                    family, size.name, kind.name, size.characters != 0, kind.nature != Nature::Ordinary,
-                    {},     {}};
+                Case one = {family, size.name, kind.name, size.characters != 0, kind.nature, {}, {}};
                 if (!makesSense(family, kind) || !std::regex_search(one.name(), filter)) continue;
                 Material material;
                 fill(material, kind, size.characters, size.total);

@@ -15,7 +15,8 @@ using Units = std::vector<uint16_t>;
 class TextMaker;
 
 enum class Nature {
-    Ordinary,  ///< text as people write it
+    OneScript, ///< text as people write it
+    Mixed,     ///< the same, of several scripts
     Adverse,   ///< made to fail vector code
     Malformed, ///< adverse, and refused by peers that check
 };

@@ -1,11 +1,12 @@
 // UTF-16 to UTF-8. convertPlainly is the definition, one character at a time. Beside it stand vector paths
-// for ASCII, for any text without surrogates, and for runs of surrogate pairs. A path converts as many units
-// as suit it; what no path knows, and the ends of both buffers, are left to the definition.
+// that take eight units or more a step: for ASCII, for runs of three-byte characters and of surrogate pairs,
+// and for any mixture, surrogates without partner included. convertFar chooses among them while much is left;
+// near the end, where nothing may be stored too far, convertNear and convertShort take what pays at once and
+// leave the rest to the definition.
 #include "unicode/convert.h"
 
 #include "base/arguments.h"
 #include "base/vector.h"
-#include "unicode/patience.h"
 
 #include <array>
 #include <cstring>
@@ -102,25 +103,50 @@ template <bool bigEndian>
 
 // ----------------------------------------------------------------------------------------- the vector paths
 
-// A path stores straight to the destination where both ends are far. What it stores too far, up to 26 bytes
-// from where it began, is overwritten later: a unit becomes at least a byte, and at most three bytes of the
-// capacity stay empty (before a pair).
-constexpr std::ptrdiff_t farUnits = 32;
-constexpr std::ptrdiff_t farBytes = 32;
-static_assert(farUnits >= 26 && farBytes >= 26 + 3);
+// A path takes eight units a step. Where the source goes on for long enough it stores up to 24 bytes too far:
+// they are overwritten later, as a unit becomes at least a byte, and at most three bytes of the capacity stay
+// empty (before a pair). At the end of the source exactly as many bytes are stored as there are.
+constexpr std::ptrdiff_t farUnits = 8 + 24;
+constexpr std::ptrdiff_t farBytes = 24 + 4 + 3;
+
+Units splat(int value) {
+    return Units::splat(static_cast<uint16_t>(value));
+}
+
+template <int count>
+Units shiftedLeft(Units units) {
+    return {_mm_slli_epi16(units.raw, count)};
+}
+
+template <int count>
+Units shiftedRight(Units units) {
+    return {_mm_srli_epi16(units.raw, count)};
+}
+
+Units select(Units condition, Units yes, Units no) {
+    return (yes & condition) | no.without(condition);
+}
 
 template <bool bigEndian>
-Units loadUnits(const uint16_t* p) {
-    const Units units = Units::load(p);
+Units inOrder(Units units) {
     if constexpr (bigEndian) {
-        return {_mm_or_si128(_mm_slli_epi16(units.raw, 8), _mm_srli_epi16(units.raw, 8))};
+        return shiftedLeft<8>(units) | shiftedRight<8>(units);
     } else {
         return units;
     }
 }
 
+template <bool bigEndian>
+Units loadUnits(const uint16_t* p) {
+    return inOrder<bigEndian>(Units::load(p));
+}
+
 bool isAscii(Units block) {
-    return (block & Units::splat(0xFF80)).equal(Units::zero()).lanes().all();
+    return (block & splat(0xFF80)).equal(Units::zero()).lanes().all();
+}
+
+Units surrogatesOf(Units block) {
+    return (block & splat(0xF800)).equal(splat(0xD800));
 }
 
 __m128i bitsOf(__m128i lanes, int mask) {
@@ -133,6 +159,29 @@ void store8(uint8_t* to, __m128i low) {
 
 __m128i highToLow(__m128i vector) {
     return _mm_unpackhi_epi64(vector, vector);
+}
+
+uint64_t low64(__m128i vector) {
+    return static_cast<uint64_t>(_mm_cvtsi128_si64(vector));
+}
+
+template <class Value>
+void storeBytes(uint8_t* to, uint64_t value) {
+    const auto bytes = static_cast<Value>(value);
+    std::memcpy(to, &bytes, sizeof bytes);
+}
+
+/// The first `size` (0 to 8) of the bytes, by two parts that overlap.
+void storeFirst(uint8_t* to, uint64_t bytes, std::ptrdiff_t size) {
+    if (size >= 4) {
+        storeBytes<uint32_t>(to, bytes);
+        storeBytes<uint32_t>(to + size - 4, bytes >> (8 * (size - 4)));
+    } else if (size >= 2) {
+        storeBytes<uint16_t>(to, bytes);
+        storeBytes<uint16_t>(to + size - 2, bytes >> (8 * (size - 2)));
+    } else if (size == 1) {
+        storeBytes<uint8_t>(to, bytes);
+    }
 }
 
 /// Converts ASCII, 32 units and then 8 at a time, as far as it goes.
@@ -153,19 +202,6 @@ Position convertAsciiRun(Position at, Position end) {
         at = {at.source + 8, at.out + 8};
     }
     return at;
-}
-
-/// Converts what is left of the source when it is shorter than a block and ASCII, by a block that reaches
-/// back into what was ASCII before it; else leaves it.
-template <bool bigEndian>
-Position convertAsciiTail(Position at, Position start, Position end) {
-    const std::ptrdiff_t left = end.source - at.source;
-    if (left == 0 || left > 8 || end.source - start.source < 8 || end.out - at.out < left) return at;
-    const Units block = loadUnits<bigEndian>(end.source - 8);
-    if (!isAscii(block)) return at;
-    store8(at.out + left - 8,
-           _mm_packus_epi16(block.raw, block.raw)); // a byte for each unit: the places agree
-    return {end.source, at.out + left};
 }
 
 /// How to close the gaps in four two-byte forms of which some are one byte and a gap: bytes that go left by
@@ -199,116 +235,190 @@ consteval std::array<Packing, 16> makePackings() {
 
 constexpr std::array<Packing, 16> packings = makePackings();
 
-/// Stores the forms of eight units below 0x800; returns their size. Touches 16 bytes.
-std::ptrdiff_t storeUpToTwoBytes(uint8_t* to, Units block) {
-    const Units ascii = block.atMost(Units::splat(0x7F));
-    const __m128i leads = _mm_srli_epi16(block.raw, 6);
-    const __m128i continuations = _mm_slli_epi16((block & Units::splat(0x3F)).raw, 8);
-    const Units forms = {_mm_or_si128(_mm_or_si128(leads, continuations), Units::splat(0x80C0).raw)};
-    __m128i bytes = ((block & ascii) | forms.without(ascii)).raw;
+/// The forms of eight units below 0x800: four in each half, without gaps from the half's start.
+struct ShortForms {
+    __m128i bytes;
+    std::ptrdiff_t firstSize, secondSize;
+
+    void store(uint8_t* to) const {
+        store8(to, bytes);
+        store8(to + firstSize, highToLow(bytes));
+    }
+
+    /// The same but for the last `less` (0 to 4) bytes, and nothing behind the others.
+    void storeExactly(uint8_t* to, std::ptrdiff_t less) const {
+        storeFirst(to, low64(bytes), firstSize);
+        storeFirst(to + firstSize, low64(highToLow(bytes)), secondSize - less);
+    }
+};
+
+ShortForms encodeUpToTwoBytes(Units block) {
+    const Units ascii = {_mm_cmplt_epi16(block.raw, _mm_set1_epi16(0x80))}; // none is negative
+    const Units forms = shiftedRight<6>(block) | shiftedLeft<8>(block & splat(0x3F)) | splat(0x80C0);
+    __m128i bytes = select(ascii, block, forms).raw;
 
     const auto asciiLanes =
         static_cast<uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(ascii.raw, _mm_setzero_si128())));
     const Packing& first = packings[asciiLanes & 15];
     const Packing& second = packings[asciiLanes >> 4];
     const auto move = [&](__m128i shifted, int step) {
-        const __m128i mask =
-            _mm_set_epi64x(static_cast<int64_t>(second.moves[step]), static_cast<int64_t>(first.moves[step]));
+        const auto load = [](const uint64_t& mask) {
+            return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&mask));
+        };
+        const __m128i mask = _mm_unpacklo_epi64(load(first.moves[step]), load(second.moves[step]));
         bytes = _mm_xor_si128(bytes, _mm_and_si128(_mm_xor_si128(bytes, shifted), mask));
     };
     move(_mm_srli_epi64(bytes, 8), 0);
     move(_mm_srli_epi64(bytes, 16), 1);
-    store8(to, bytes);
-    store8(to + first.size, highToLow(bytes));
-    return first.size + second.size;
+    return {bytes, first.size, second.size};
 }
 
-__m128i lowHalf(Units block) {
-    return _mm_unpacklo_epi16(block.raw, _mm_setzero_si128());
+/// The first two and the other bytes of the three-byte forms of eight units.
+Units threeByteFronts(Units block) {
+    return shiftedRight<12>(block) | (shiftedLeft<2>(block) & splat(0x3F00)) | splat(0x80E0);
 }
 
-__m128i highHalf(Units block) {
-    return _mm_unpackhi_epi16(block.raw, _mm_setzero_si128());
+Units threeByteBacks(Units block) {
+    return (block & splat(0x3F)) | splat(0x80);
 }
 
-/// The three-byte forms of four units in 32-bit lanes, first byte lowest, the fourth byte zero.
-__m128i encodeThreeBytes(__m128i values) {
-    const __m128i first = _mm_srli_epi32(values, 12);
-    const __m128i second = _mm_slli_epi32(bitsOf(values, 0xFC0), 2);
-    const __m128i third = _mm_slli_epi32(bitsOf(values, 0x3F), 16);
-    return _mm_or_si128(_mm_or_si128(first, second), _mm_or_si128(third, _mm_set1_epi32(0x8080E0)));
-}
+/// Four forms of three bytes each in 12 bytes: the first eight of them and the last eight.
+struct TwelveBytes {
+    uint64_t first, last;
+};
 
-/// Stores four forms of three bytes each from 32-bit lanes; touches 14 bytes.
-void storeThreeBytes(uint8_t* to, __m128i forms) {
+TwelveBytes packThreeBytes(__m128i forms) {
     const __m128i even = _mm_and_si128(forms, _mm_set1_epi64x(0xFFFFFF));
     const __m128i odd = _mm_srli_epi64(_mm_andnot_si128(_mm_set1_epi64x(0xFFFFFFFF), forms), 8);
     const __m128i packed = _mm_or_si128(even, odd);
-    store8(to, packed);
-    store8(to + 6, highToLow(packed));
+    const uint64_t low = low64(packed), high = low64(highToLow(packed));
+    return {low | high << 48, low >> 32 | high << 16};
 }
 
-__m128i encodeTwoBytes(__m128i values) {
-    const __m128i first = _mm_srli_epi32(values, 6);
-    const __m128i second = _mm_slli_epi32(bitsOf(values, 0x3F), 8);
-    return _mm_or_si128(_mm_or_si128(first, second), _mm_set1_epi32(0x80C0));
+/// Stores the three-byte forms of eight units, 24 bytes.
+void storeThreeBytes(uint8_t* to, Units block) {
+    const Units fronts = threeByteFronts(block), backs = threeByteBacks(block);
+    const TwelveBytes first = packThreeBytes(_mm_unpacklo_epi16(fronts.raw, backs.raw));
+    const TwelveBytes second = packThreeBytes(_mm_unpackhi_epi16(fronts.raw, backs.raw));
+    storeBytes<uint64_t>(to, first.first);
+    storeBytes<uint32_t>(to + 8, first.last >> 32);
+    storeBytes<uint64_t>(to + 12, second.first);
+    storeBytes<uint32_t>(to + 20, second.last >> 32);
 }
 
-__m128i select(__m128i condition, __m128i yes, __m128i no) {
-    return _mm_or_si128(_mm_and_si128(condition, yes), _mm_andnot_si128(condition, no));
-}
-
-/// The form of each of four values below 0x10000, whatever its length.
-__m128i encodeUpToThreeBytes(__m128i values) {
-    const __m128i isOneByte = _mm_cmplt_epi32(values, _mm_set1_epi32(0x80));
-    const __m128i isTwoBytes = _mm_cmplt_epi32(values, _mm_set1_epi32(0x800));
-    return select(isOneByte, values, select(isTwoBytes, encodeTwoBytes(values), encodeThreeBytes(values)));
-}
-
-/// Stores the forms of the first `count` of eight units, none of them a surrogate: four bytes for each, a
-/// form apart. Returns their size; touches a byte more.
-std::ptrdiff_t storeUpToThreeBytes(uint8_t* const to, Units block, int32_t count) {
+/// The forms of eight units, four bytes for each whatever its length.
+struct Forms {
     alignas(16) uint32_t forms[8];
     alignas(16) uint16_t lengths[8];
-    _mm_store_si128(reinterpret_cast<__m128i*>(forms), encodeUpToThreeBytes(lowHalf(block)));
-    _mm_store_si128(reinterpret_cast<__m128i*>(forms + 4), encodeUpToThreeBytes(highHalf(block)));
-    const Units shorter = block.atMost(Units::splat(0x7F)) + block.atMost(Units::splat(0x7FF)); // 0 to -2
-    (Units::splat(3) + shorter).store(lengths);
-    uint8_t* out = to;
-    for (int32_t i = 0; i < count; ++i) {
-        std::memcpy(out, &forms[i], 4);
-        out += lengths[i];
+
+    Forms(Units fronts, Units backs, Units sizes) {
+        _mm_store_si128(reinterpret_cast<__m128i*>(forms), _mm_unpacklo_epi16(fronts.raw, backs.raw));
+        _mm_store_si128(reinterpret_cast<__m128i*>(forms + 4), _mm_unpackhi_epi16(fronts.raw, backs.raw));
+        sizes.store(lengths);
     }
-    return out - to;
+
+    /// Stores the first `count` one after the other, and up to three bytes more; returns their end.
+    uint8_t* store(uint8_t* to, int count) const {
+        for (int i = 0; i < count; ++i) {
+            std::memcpy(to, &forms[i], 4);
+            to += lengths[i];
+        }
+        return to;
+    }
+
+    /// Stores all, none of which is empty, and nothing behind them.
+    uint8_t* storeExactly(uint8_t* to) const {
+        to = store(to, 5); // three bytes follow at least
+        for (int i = 5; i < 8; ++i) {
+            for (const int byte : {0, lengths[i] / 2, lengths[i] - 1})
+                storeBytes<uint8_t>(to + byte, forms[i] >> (8 * byte));
+            to += lengths[i];
+        }
+        return to;
+    }
+};
+
+struct UnitForms {
+    Units fronts, backs, sizes;
+};
+
+/// Of a unit that is no surrogate, or one without partner.
+UnitForms encodeAlone(Units block) {
+    const Units one = block.atMost(splat(0x7F)), two = block.atMost(splat(0x7FF));
+    const Units twoByteFronts =
+        shiftedRight<6>(block) | (shiftedLeft<8>(block) & splat(0x3F00)) | splat(0x80C0);
+    return {select(one, block, select(two, twoByteFronts, threeByteFronts(block))), threeByteBacks(block),
+            splat(3) + one + two};
 }
 
-/// Converts units of any length until surrogates turn up, or two blocks of ASCII in succession.
-template <bool bigEndian>
-Position convertBelowPairs(Position at, Position end) {
-    int asciiBlocks = 0;
-    while (has(at, end, farUnits, farBytes) && asciiBlocks < 2) {
+/// A pair's form stands where its low surrogate does, and that of its high surrogate is empty.
+UnitForms encodeWithPairs(Units block) {
+    const Units alone = block & splat(0xFC00);
+    const Units highBefore = {_mm_slli_si128(alone.equal(splat(0xD800)).raw, 2)};
+    const Units lowOfPair = alone.equal(splat(0xDC00)) & highBefore;
+    const Units highOfPair = {_mm_srli_si128(lowOfPair.raw, 2)};
+    const Units upper =
+        Units{_mm_slli_si128(block.raw, 2)} - splat(0xD800 - 0x40); // the value's bits from 10 up
+    const Units fronts = shiftedRight<8>(upper) | (shiftedLeft<6>(upper) & splat(0x3F00)) | splat(0x80F0);
+    const Units backs = (shiftedLeft<4>(upper) & splat(0x30)) | (shiftedRight<6>(block) & splat(0x0F)) |
+                        (shiftedLeft<8>(block) & splat(0x3F00)) | splat(0x8080);
+    const UnitForms others = encodeAlone(block);
+    return {select(lowOfPair, fronts, others.fronts), select(lowOfPair, backs, others.backs),
+            (others.sizes - lowOfPair).without(highOfPair)};
+}
+
+/// Converts units whose forms have up to `longest` bytes, until others turn up or some blocks in succession
+/// would suit a faster path.
+template <bool bigEndian, int longest>
+Position convertMixed(Position at, Position end) {
+    int unmixed = 0;
+    while (has(at, end, farUnits, farBytes) && unmixed < (longest == 2 ? 4 : 2)) {
         const Units block = loadUnits<bigEndian>(at.source);
-        const auto surrogates = (block & Units::splat(0xF800)).equal(Units::splat(0xD800)).lanes();
-        if (surrogates.any()) {
-            at.out += storeUpToThreeBytes(at.out, block, surrogates.first());
-            at.source += surrogates.first();
-            break;
+        if (longest == 4 && isAscii(block)) { // between emoji: worth a branch
+            store8(at.out, _mm_packus_epi16(block.raw, block.raw));
+            at = {at.source + 8, at.out + 8};
+            continue;
         }
-        const auto shorter = block.atMost(Units::splat(0x7FF)).lanes();
-        if (shorter.all()) {
-            asciiBlocks = (asciiBlocks + 1) * isAscii(block); // no branch: it could not be predicted
-            at.out += storeUpToTwoBytes(at.out, block);
-        } else if (shorter.any()) {
-            at.out += storeUpToThreeBytes(at.out, block, 8);
+        const auto shorter = block.atMost(splat(0x7FF)).lanes();
+        bool suitsAnother;
+        if constexpr (longest == 2) {
+            if (!shorter.all()) break;
+            suitsAnother = isAscii(block);
+            const ShortForms forms = encodeUpToTwoBytes(block);
+            forms.store(at.out);
+            at = {at.source + 8, at.out + forms.firstSize + forms.secondSize};
         } else {
-            storeThreeBytes(at.out, encodeThreeBytes(lowHalf(block)));
-            storeThreeBytes(at.out + 12, encodeThreeBytes(highHalf(block)));
-            at.out += 24;
+            const auto surrogates = surrogatesOf(block).lanes();
+            suitsAnother = shorter.all() || !shorter.any();
+            int count = 8;
+            if constexpr (longest == 3) {
+                if (surrogates.any()) break;
+            } else {
+                suitsAnother = !surrogates.any() || surrogates.all();
+                count -= isHighSurrogate(readUnit<bigEndian>(at.source + 7)); // its partner may come
+            }
+            const UnitForms forms = longest == 3 ? encodeAlone(block) : encodeWithPairs(block);
+            at.out = Forms(forms.fronts, forms.backs, forms.sizes).store(at.out, count);
+            at.source += count;
         }
-        at.source += 8;
+        unmixed = (unmixed + 1) * suitsAnother; // no branch: it could not be predicted
     }
     return at;
 }
+
+/// Eight units of three bytes a step.
+struct ThreeByteRun {
+    static constexpr std::ptrdiff_t bytes = 24, units = 8, characters = 8;
+    static bool suits(uint32_t unit) { return unit >= 0x800 && !isSurrogate(unit); }
+
+    /// Stores the forms; returns two bits for each unit, set if it was right.
+    template <bool bigEndian>
+    static uint32_t convert(Position at) {
+        const Units block = loadUnits<bigEndian>(at.source);
+        storeThreeBytes(at.out, block);
+        return (block.atMost(splat(0x7FF)) | surrogatesOf(block)).lanes().inverse().bits;
+    }
+};
 
 /// The forms of four pairs, the high surrogate in the low half of each lane.
 __m128i encodePairs(__m128i lanes) {
@@ -323,56 +433,164 @@ __m128i encodePairs(__m128i lanes) {
                         _mm_set1_epi32(static_cast<int>(0x808080F0)));
 }
 
-/// Converts pairs, four at a time, as far as they go.
-template <bool bigEndian>
-Position convertPairRun(Position at, Position end) {
-    while (has(at, end, farUnits, farBytes)) {
+/// Four pairs a step.
+struct PairRun {
+    static constexpr std::ptrdiff_t bytes = 16, units = 8, characters = 4;
+    static bool suits(uint32_t unit) { return isHighSurrogate(unit); }
+
+    /// Stores the forms; returns two bits for each unit, set if it was right.
+    template <bool bigEndian>
+    static uint32_t convert(Position at) {
         const __m128i lanes = loadUnits<bigEndian>(at.source).raw;
+        Vector<uint8_t>{encodePairs(lanes)}.store(at.out);
         const __m128i valid = _mm_cmpeq_epi32(bitsOf(lanes, static_cast<int>(0xFC00FC00)),
                                               _mm_set1_epi32(static_cast<int>(0xDC00D800)));
-        Vector<uint8_t>{encodePairs(lanes)}.store(at.out);
-        const auto lanesValid = static_cast<uint32_t>(_mm_movemask_epi8(valid));
-        if (lanesValid != 0xFFFF) {
-            const std::ptrdiff_t count = std::countr_one(lanesValid) / 4;
-            at = {at.source + 2 * count, at.out + 4 * count};
-            break;
+        return static_cast<uint32_t>(_mm_movemask_epi8(valid));
+    }
+};
+
+/// Goes on behind what a step converted, which `right` tells.
+template <class Run>
+Position behindStep(Position at, uint32_t right) {
+    const std::ptrdiff_t count = std::countr_one(right) * Run::characters / 16;
+    return {at.source + count * (Run::units / Run::characters),
+            at.out + count * (Run::bytes / Run::characters)};
+}
+
+/// Converts characters of one length, and a stray one between two long stretches of them. What a step stores
+/// too far, up to 24 bytes, is overwritten later.
+template <bool bigEndian, class Run>
+Position convertRun(Position at, Position end) {
+    const uint16_t* stretch = at.source;
+    while (has(at, end, farUnits, farBytes)) {
+        const uint32_t right = Run::template convert<bigEndian>(at);
+        if (right == 0xFFFF) [[likely]] { // a predicted branch: the next step need not wait for this one
+            at = {at.source + Run::units, at.out + Run::bytes};
+            continue;
         }
-        at = {at.source + 8, at.out + 16};
+        at = behindStep<Run>(at, right);
+        if (at.source - stretch < 8) break;
+        at = convertPlainly<bigEndian>(at, end, 1);
+        stretch = at.source;
+        if (at.source == end.source || !Run::suits(readUnit<bigEndian>(at.source))) break;
     }
     return at;
 }
 
 // ------------------------------------------------------------------------------------------------ the driver
 
-/// Takes the paths in turn, each from where the one before it stopped.
+/// Takes one path after the other, each from where the one before it stopped, while the end is far.
 template <bool bigEndian>
-Position convertRun(Position at, Position end) {
-    at = convertAsciiRun<bigEndian>(at, end);
-    if (has(at, end, farUnits, farBytes) && !isSurrogate(readUnit<bigEndian>(at.source)))
-        at = convertBelowPairs<bigEndian>(at, end);
-    if (has(at, end, farUnits, farBytes) && isSurrogate(readUnit<bigEndian>(at.source)))
-        at = convertPairRun<bigEndian>(at, end);
+TAV_FLATTEN [[gnu::noinline]] Position convertFar(Position at, Position end) {
+    while (true) {
+        at = convertAsciiRun<bigEndian>(at, end);
+        if (!has(at, end, farUnits, farBytes)) return at;
+        const uint16_t* const start = at.source;
+        const Units block = loadUnits<bigEndian>(at.source);
+        const auto shorter = block.atMost(splat(0x7FF)).lanes();
+        const auto surrogates = surrogatesOf(block).lanes();
+        if (shorter.bits == 0 && !surrogates.any()) at = convertRun<bigEndian, ThreeByteRun>(at, end);
+        if (surrogates.all()) at = convertRun<bigEndian, PairRun>(at, end);
+        if (at.source == start)
+            at = shorter.all()      ? convertMixed<bigEndian, 2>(at, end)
+                 : surrogates.any() ? convertMixed<bigEndian, 4>(at, end)
+                                    : convertMixed<bigEndian, 3>(at, end);
+    }
+}
+
+/// Converts eight units at a time for as long as it pays at once: what is left is short, and the plain loop
+/// is quick with it.
+template <bool bigEndian>
+Position convertNear(Position at, Position end) {
+    while (has(at, end, 8, 24)) {
+        const Units block = loadUnits<bigEndian>(at.source);
+        const auto shorter = block.atMost(splat(0x7FF)).lanes();
+        if (isAscii(block)) {
+            store8(at.out, _mm_packus_epi16(block.raw, block.raw));
+            at = {at.source + 8, at.out + 8};
+        } else if (shorter.all()) {
+            const ShortForms forms = encodeUpToTwoBytes(block);
+            forms.storeExactly(at.out, 0);
+            at = {at.source + 8, at.out + forms.firstSize + forms.secondSize};
+        } else if (surrogatesOf(block).lanes().any()) {
+            if (!surrogatesOf(block).lanes().all()) return at;
+            // What a wrong step stores too far is overwritten: two surrogates become four bytes or more.
+            const Position start = at;
+            at = behindStep<PairRun>(at, PairRun::convert<bigEndian>(at));
+            if (at.source == start.source) return at;
+        } else if (!shorter.any()) {
+            storeThreeBytes(at.out, block);
+            at = {at.source + 8, at.out + 24};
+        } else {
+            const UnitForms forms = encodeAlone(block);
+            at = {at.source + 8, Forms(forms.fronts, forms.backs, forms.sizes).storeExactly(at.out)};
+        }
+    }
     return at;
 }
 
-constexpr std::ptrdiff_t worthwhile = 16; // units that the paths must convert to be taken again at once
+/// Converts the rest of the source, 4 to 7 units, when none needs more than two bytes.
+template <bool bigEndian>
+[[gnu::always_inline]] inline Position convertShort(Position at, Position end) {
+    const std::ptrdiff_t size = end.source - at.source;
+    if (size < 4 || size > 7 || end.out - at.out < 2 * size) return at;
+    const auto load4 = [](const uint16_t* p) {
+        uint64_t units;
+        std::memcpy(&units, p, sizeof units);
+        return units;
+    };
+    const uint64_t behindFirst =
+        load4(end.source - 4) >> 1 >> (127 - 16 * size); // together the shift may be 64
+    const auto vector = [](uint64_t value) { return _mm_cvtsi64_si128(static_cast<int64_t>(value)); };
+    const Units block =
+        inOrder<bigEndian>({_mm_unpacklo_epi64(vector(load4(at.source)), vector(behindFirst))});
+    if (!block.atMost(splat(0x7FF)).lanes().all()) return at;
+    const ShortForms forms = encodeUpToTwoBytes(block);
+    forms.storeExactly(at.out, 8 - size); // without the zeros
+    return {end.source, at.out + forms.firstSize + forms.secondSize - (8 - size)};
+}
 
 template <bool bigEndian>
-Position convertAll(const Position start, const Position end) {
-    Position at = start;
-    Patience patience;
-    while (has(at, end, farUnits, farBytes)) {
-        const uint16_t* const before = at.source;
-        at = convertRun<bigEndian>(at, end);
-        if (at.source - before >= worthwhile) {
-            patience.afterSuccess(at.source - before);
-        } else {
-            at = convertPlainly<bigEndian>(at, end, patience.afterFailure());
-        }
+TAV_FLATTEN [[gnu::noinline]] Position convertRest(Position at, Position end) {
+    at = convertNear<bigEndian>(at, end);
+    at = convertShort<bigEndian>(at, end);
+    return at.source == end.source ? at : convertPlainly<bigEndian>(at, end, end.source - at.source);
+}
+
+/// Converts ASCII from the start of the source, all of it if it is 8 units or more.
+template <bool bigEndian>
+[[gnu::always_inline]] inline Position convertAsciiStart(const Position start, const Position end) {
+    const std::ptrdiff_t size = end.source - start.source;
+    if (size < 8 || size > end.out - start.out) return start;
+    const auto convert16 = [](Units first, Units second, uint8_t* out) {
+        if (!isAscii(first | second)) return false;
+        Vector<uint8_t>{_mm_packus_epi16(first.raw, second.raw)}.store(out);
+        return true;
+    };
+    const auto load = [](const uint16_t* p) { return loadUnits<bigEndian>(p); };
+    if (size < 16) { // two blocks that overlap
+        const Units first = load(start.source), last = load(end.source - 8);
+        if (!isAscii(first | last)) return start;
+        store8(start.out, _mm_packus_epi16(first.raw, first.raw));
+        store8(start.out + size - 8, _mm_packus_epi16(last.raw, last.raw));
+        return {end.source, start.out + size};
     }
-    at = convertAsciiRun<bigEndian>(at, end);
-    at = convertAsciiTail<bigEndian>(at, start, end);
-    return convertPlainly<bigEndian>(at, end, end.source - at.source);
+    Position at = start;
+    for (; end.source - at.source >= 16; at = {at.source + 16, at.out + 16})
+        if (!convert16(load(at.source), load(at.source + 8), at.out)) return at;
+    // A last block, of which a part has been converted.
+    const std::ptrdiff_t left = end.source - at.source;
+    if (left > 0 && !convert16(load(end.source - 16), load(end.source - 8), at.out + left - 16)) return at;
+    return {end.source, at.out + left};
+}
+
+template <bool bigEndian>
+Position convertAll(Position at, Position end) {
+    at = convertAsciiStart<bigEndian>(at, end);
+    if (at.source == end.source) return at;
+    if (end.source - at.source < 4) return convertPlainly<bigEndian>(at, end, 4);
+    if (has(at, end, farUnits, farBytes)) at = convertFar<bigEndian>(at, end);
+    return convertRest<bigEndian>(at, end);
 }
 
 } // namespace

@@ -251,12 +251,14 @@ UnitBytes endingUnits(Bytes block, Bytes continuation, Bytes end3, Bytes end4) {
 template <bool bigEndian>
 UnitBytes withHighSurrogates(Bytes block, UnitBytes units, Bytes end4) {
     const Bytes third4 = behind<1>(end4);
-    if constexpr (!bigEndian)
+    if constexpr (bigEndian) {
+        // These units change places and keep their bytes, so here the bytes are exchanged.
+        const UnitBytes high = highSurrogates(before<3>(block), before<2>(block), before<1>(block));
+        const UnitBytes low = {behind<1>(units.low), behind<1>(units.high)};
+        return select(third4, {low.high, low.low}, select(end4, {high.high, high.low}, units));
+    } else {
         return select(third4, highSurrogates(before<2>(block), before<1>(block), block), units);
-    // These units change places and keep their bytes, so here the bytes are exchanged.
-    const UnitBytes high = highSurrogates(before<3>(block), before<2>(block), before<1>(block));
-    const UnitBytes low = {behind<1>(units.low), behind<1>(units.high)};
-    return select(third4, {low.high, low.low}, select(end4, {high.high, high.low}, units));
+    }
 }
 
 uint32_t bitsOf(Bytes lanes) {
@@ -367,6 +369,11 @@ Position convertMixed(Position at, Position end) {
     while (has(at, end, farBytes, farUnits) && unmixed < 2) {
         const Bytes block = Bytes::load(at.source);
         const uint32_t nonAscii = bitsOf(block);
+        if (longest == 4 && nonAscii == 0) { // between emoji: worth a branch
+            storeAscii<bigEndian>(block, at.out);
+            at = {at.source + 16, at.out + 16};
+            continue;
+        }
         const Block decoded = decodeWellFormed<bigEndian, longest>(block, nonAscii);
         if (!decoded.known) break;
         bool suitsAnother = nonAscii == 0;
@@ -419,8 +426,6 @@ __m128i loadThreeByteLanes(const uint8_t* p) {
 struct Decoded {
     __m128i values;
     __m128i valid;
-
-    bool areValid() const { return _mm_movemask_epi8(valid) == 0xFFFF; }
 };
 
 __m128i masked(__m128i lanes, int mask) {
@@ -455,37 +460,63 @@ Units narrow(__m128i first, __m128i second) {
     return {_mm_packs_epi32(signExtended(first), signExtended(second))};
 }
 
-/// Converts eight three-byte characters, 24 bytes, or nothing.
-template <bool bigEndian>
-Position convertEightThreeBytes(Position at) {
-    const Decoded first = decodeThreeBytes(loadThreeByteLanes(at.source));
-    const Decoded second = decodeThreeBytes(loadThreeByteLanes(at.source + 12));
-    if (!first.areValid() || !second.areValid()) return at;
-    inOrder<bigEndian>(narrow(first.values, second.values)).store(at.out);
-    return {at.source + 24, at.out + 8};
+/// Eight three-byte characters a step.
+struct ThreeByteRun {
+    static constexpr std::ptrdiff_t bytes = 24, units = 8, characters = 8;
+    static bool suits(uint8_t lead) { return (lead & 0xF0) == 0xE0; }
+
+    /// Stores eight units; returns two bits for each, set if it is right.
+    template <bool bigEndian>
+    static uint32_t convert(Position at) {
+        const Decoded first = decodeThreeBytes(loadThreeByteLanes(at.source));
+        const Decoded second = decodeThreeBytes(loadThreeByteLanes(at.source + 12));
+        inOrder<bigEndian>(narrow(first.values, second.values)).store(at.out);
+        return bitsOf({_mm_packs_epi32(first.valid, second.valid)});
+    }
+};
+
+/// Four four-byte characters a step.
+struct FourByteRun {
+    static constexpr std::ptrdiff_t bytes = 16, units = 8, characters = 4;
+    static bool suits(uint8_t lead) { return lead >= 0xF0; }
+
+    /// Stores eight units; returns two bits for each, set if it is right.
+    template <bool bigEndian>
+    static uint32_t convert(Position at) {
+        const Decoded decoded = decodeFourBytes(Bytes::load(at.source).raw);
+        const __m128i high =
+            _mm_or_si128(masked(_mm_srli_epi32(decoded.values, 10), 0x3FF), _mm_set1_epi32(0xD800));
+        const __m128i low = _mm_or_si128(masked(decoded.values, 0x3FF), _mm_set1_epi32(0xDC00));
+        Units{bigEndian ? _mm_or_si128(low, _mm_slli_epi32(high, 16))
+                        : _mm_or_si128(high, _mm_slli_epi32(low, 16))}
+            .store(at.out);
+        return bitsOf({decoded.valid});
+    }
+};
+
+/// Goes on behind what a step converted, which `right` tells.
+template <class Run>
+Position behindStep(Position at, uint32_t right) {
+    const std::ptrdiff_t count = std::countr_one(right) * Run::characters / 16;
+    return {at.source + count * (Run::bytes / Run::characters),
+            at.out + count * (Run::units / Run::characters)};
 }
 
-/// Converts four four-byte characters or nothing.
-template <bool bigEndian>
-Position convertFourFourBytes(Position at) {
-    const Decoded decoded = decodeFourBytes(Bytes::load(at.source).raw);
-    if (!decoded.areValid()) return at;
-    const __m128i high =
-        _mm_or_si128(masked(_mm_srli_epi32(decoded.values, 10), 0x3FF), _mm_set1_epi32(0xD800));
-    const __m128i low = _mm_or_si128(masked(decoded.values, 0x3FF), _mm_set1_epi32(0xDC00));
-    Units{bigEndian ? _mm_or_si128(low, _mm_slli_epi32(high, 16))
-                    : _mm_or_si128(high, _mm_slli_epi32(low, 16))}
-        .store(at.out);
-    return {at.source + 16, at.out + 8};
-}
-
-/// Takes the same step for as long as it converts something.
-template <Position step(Position)>
+/// Converts characters of one length, and a stray one between two long stretches of them.
+template <bool bigEndian, class Run>
 Position convertRun(Position at, Position end) {
+    const uint8_t* stretch = at.source;
     while (has(at, end, farBytes, farUnits)) {
-        const Position start = at;
-        at = step(at);
-        if (at.source == start.source) break;
+        const uint32_t right = Run::template convert<bigEndian>(at);
+        if (right == 0xFFFF) [[likely]] { // a predicted branch: the next step need not wait for this one
+            at = {at.source + Run::bytes, at.out + Run::units};
+            continue;
+        }
+        at = behindStep<Run>(at, right);
+        if (at.source - stretch < 24) break;
+        at = convertPlainly<bigEndian>(at, end, 1);
+        stretch = at.source;
+        if (at.source == end.source || !Run::suits(*at.source)) break;
     }
     return at;
 }
@@ -516,7 +547,7 @@ Position convertAsciiRun(Position at, Position end) {
 
 /// Takes one path after the other, each from where the one before it stopped, while the end is far.
 template <bool bigEndian>
-Position convertFar(Position at, Position end) {
+TAV_FLATTEN [[gnu::noinline]] Position convertFar(Position at, Position end) {
     while (true) {
         at = convertAsciiRun<bigEndian>(at, end);
         if (!has(at, end, farBytes, farUnits)) return at;
@@ -525,8 +556,8 @@ Position convertFar(Position at, Position end) {
         const Bytes block = Bytes::load(at.source);
         const uint32_t long3 = bitsOf(block) & ~bitsOf(below(block, 0xE0));
         const uint32_t long4 = bitsOf(block) & ~bitsOf(below(block, 0xF0));
-        if (long3 == threeByteRun) at = convertRun<convertEightThreeBytes<bigEndian>>(at, end);
-        if (long4 == fourByteRun) at = convertRun<convertFourFourBytes<bigEndian>>(at, end);
+        if (long3 == threeByteRun) at = convertRun<bigEndian, ThreeByteRun>(at, end);
+        if (long4 == fourByteRun) at = convertRun<bigEndian, FourByteRun>(at, end);
         if (stuck())
             at = long4 != 0   ? convertMixed<bigEndian, 4>(at, end)
                  : long3 != 0 ? convertMixed<bigEndian, 3>(at, end)
@@ -567,17 +598,20 @@ Position convertNear(Position at, Position end) {
         const Bytes block = Bytes::load(at.source);
         const uint32_t nonAscii = bitsOf(block);
         const uint32_t long3 = nonAscii & ~bitsOf(below(block, 0xE0));
-        if (nonAscii == 0) {
+        const uint32_t long4 = nonAscii & ~bitsOf(below(block, 0xF0));
+        if (isAllBytes(nonAscii, bitsOf(below(block, 0xC0))) && !isLead(at.source[15])) {
             storeAscii<bigEndian>(block, at.out);
             at = {at.source + 16, at.out + 16};
         } else if (long3 == 0) {
             at = convertExactly<bigEndian, 2>(at, block, nonAscii, 16);
-        } else if (long3 == threeByteRun && end.source - at.source >= 24) {
-            at = convertEightThreeBytes<bigEndian>(at);
-        } else if (long3 == fourByteRun) {
-            at = convertFourFourBytes<bigEndian>(at);
-        } else {
+        } else if (long3 == threeByteRun && long4 == 0 && end.source - at.source >= 24) {
+            at = behindStep<ThreeByteRun>(at, ThreeByteRun::convert<bigEndian>(at));
+        } else if (long4 == 0) {
             at = convertExactly<bigEndian, 3>(at, block, nonAscii, 16);
+        } else if (long3 == fourByteRun) {
+            // What a wrong step stores too far is overwritten: four bytes from such a lead on become two
+            // units or more, whatever they are.
+            at = behindStep<FourByteRun>(at, FourByteRun::convert<bigEndian>(at));
         }
         if (at.source == start.source) return at;
     }
@@ -605,8 +639,7 @@ template <bool bigEndian>
 }
 
 template <bool bigEndian>
-[[gnu::noinline]] Position convertLong(Position at, Position end) {
-    if (has(at, end, farBytes, farUnits)) at = convertFar<bigEndian>(at, end);
+TAV_FLATTEN [[gnu::noinline]] Position convertRest(Position at, Position end) {
     at = convertNear<bigEndian>(at, end);
     at = convertShort<bigEndian>(at, end);
     return at.source == end.source ? at : convertPlainly<bigEndian>(at, end, end.source - at.source);
@@ -614,7 +647,10 @@ template <bool bigEndian>
 
 template <bool bigEndian>
 Position convertAll(Position at, Position end) {
-    if (end.source - at.source >= 16) return convertLong<bigEndian>(at, end);
+    if (end.source - at.source >= 16) {
+        if (has(at, end, farBytes, farUnits)) at = convertFar<bigEndian>(at, end);
+        return convertRest<bigEndian>(at, end);
+    }
     at = convertShort<bigEndian>(at, end);
     return at.source == end.source ? at : convertPlainly<bigEndian>(at, end, end.source - at.source);
 }
