@@ -220,6 +220,10 @@ bool isOpen(const Instruction& quantifier) {
 
 /// A repeat of varying length inside a repeated group: the group can divide a text in many ways.
 void printWarnings(const Instruction* code, std::int32_t length) {
+    // Without these the search remembers what has failed.
+    bool readsGroups = false;
+    for (std::int32_t pc = 0; pc < length; pc++)
+        readsGroups = readsGroups || code[pc].op == OP_BACKREF || code[pc].op == OP_COND;
     for (std::int32_t pc = 0; pc < length; pc++) {
         if (!isBracket(code[pc].op) || isLookaround(code[pc].op)) continue;
         const std::int32_t end = pc + code[pc].b + 1;
@@ -231,8 +235,10 @@ void printWarnings(const Instruction* code, std::int32_t length) {
             if (!isOpen(code[inner]) || inner <= atomicUntil || code[pc].op == OP_ATOMIC) continue;
             std::printf(
                 "warning: a repeat (%d) inside the repeated group at %d: where what follows does not match, "
-                "the time may\n  double with each character\n",
-                static_cast<int>(inner - 1), static_cast<int>(pc));
+                "the time may\n  %s\n",
+                static_cast<int>(inner - 1), static_cast<int>(pc),
+                readsGroups ? "double with each character, because of the back-reference or condition"
+                            : "grow with the square of the length");
             warned = true;
         }
         if (!warned && code[pc].op != OP_ATOMIC && code[end + 1].b == unboundedRepeat)

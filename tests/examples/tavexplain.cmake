@@ -11,6 +11,7 @@ explain(-o im "^a.\\d{2,3}?|[^a-c\\s]+(?i-m:b)\\1$()")
 explain("(?<=\\x{20AC})(?<!a)(?=b)(?!c)(?>d)(?(1)e|f)(g)\\p{Lu}\\P{Greek}\\X\\C\\b\\B\\z(?s)[[:^digit:]]")
 explain(-l 20 "(?:ab)*$" "abababababababababababababab")
 explain("(?:a+)+b")
+explain("(?:(a+)+\\1)+b")
 explain("abc(")
 explain(-o q "abc")
 
