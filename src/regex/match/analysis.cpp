@@ -175,6 +175,23 @@ void findRunEnds(Plan& plan) {
     }
 }
 
+/// Gives the classes that must test characters beyond ASCII one by one a memory of what they said.
+void giveWidePages(Plan& plan) {
+    constexpr int32_t classes = 128;
+    int16_t pagesOf[classes] = {};
+    int32_t count = 0;
+    for (int32_t pc = 0; pc < plan.program.length; ++pc) {
+        Node& node = plan.nodes[pc];
+        if (node.item != Item::charClass || !node.has(traitMultiTest) || node.index >= classes) continue;
+        if (pagesOf[node.index] == 0) {
+            if (count == plan.widePagesCount) return;
+            plan.widePages[count].clear();
+            pagesOf[node.index] = static_cast<int16_t>(++count);
+        }
+        node.slot = pagesOf[node.index];
+    }
+}
+
 /// The commonest repeats and groups, in their simplest forms, have nodes of their own.
 void usePlainNodes(Plan& plan) {
     for (int32_t pc = 0; pc < plan.program.length; ++pc) {
@@ -215,6 +232,7 @@ void analyse(Plan& plan) {
     if (uses(plan, shortcutClassRuns)) findClassRun(plan);
     if (uses(plan, shortcutVectorRuns)) findRunEnds(plan);
     if (uses(plan, shortcutAlternatives)) findAlternatives(plan);
+    if (uses(plan, shortcutWidePages)) giveWidePages(plan);
     if (uses(plan, shortcutPlainNodes)) usePlainNodes(plan);
 }
 

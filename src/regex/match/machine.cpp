@@ -320,16 +320,37 @@ const uint8_t* Machine<Nodes>::consume(const Node& node, int32_t pc, const uint8
 template <class Nodes>
 [[gnu::noinline]] const uint8_t* Machine<Nodes>::consumeWide(const Node& node, int32_t pc,
                                                              const uint8_t* p) const {
-    const Utf8Sequence character = unicode::decodeUtf8(p, limit_);
+    return wideEnd(node, pc, p);
+}
+
+template <class Nodes>
+const uint8_t* Machine<Nodes>::wideEnd(const Node& node, int32_t pc, const uint8_t* p) const {
+    return unicode::takeUtf8(p, limit_, [&](uint32_t value, int32_t length, bool malformed) {
+        const bool matches = hasWide(node, pc, {value, length, malformed});
+        return matches ? p + length : nullptr;
+    });
+}
+
+template <class Nodes>
+bool Machine<Nodes>::hasWide(const Node& node, int32_t pc, const Utf8Sequence& character) const {
     if (node.item == Item::charClass) {
-        if (character.malformed) return plan_.members[node.index].has(*p) ? p + 1 : nullptr;
-        if (node.has(traitMultiAll)) return p + character.length;
-        if (!node.has(traitMultiTest)) return nullptr;
+        if (character.malformed) return plan_.members[node.index].has(static_cast<uint8_t>(character.value));
+        if (node.has(traitMultiAll)) return true;
+        if (!node.has(traitMultiTest)) return false;
+        if (node.slot != 0)
+            return plan_.widePages[node.slot - 1].has(character.value,
+                                                      [&] { return testsTrue(node, pc, character); });
     }
+    return testsTrue(node, pc, character);
+}
+
+/// The plain rules, asked for one character.
+template <class Nodes>
+[[gnu::noinline]] bool Machine<Nodes>::testsTrue(const Node& node, int32_t pc,
+                                                 const Utf8Sequence& character) const {
     const Instruction& item = plan_.program.code[pc];
-    const bool matches = item.op == OP_SET ? classMatches(&item, character, optionsOf(node))
-                                           : itemMatches(item, character, optionsOf(node));
-    return matches ? p + character.length : nullptr;
+    return item.op == OP_SET ? classMatches(&item, character, optionsOf(node))
+                             : itemMatches(item, character, optionsOf(node));
 }
 
 template <class Nodes>
@@ -422,7 +443,7 @@ auto Machine<Nodes>::takeClass(const Node& node, int32_t pc, const uint8_t* p) c
             run.end = q;
             continue;
         }
-        const uint8_t* q = consume(node, pc, run.end);
+        const uint8_t* q = table != nullptr ? wideEnd(node, pc, run.end) : consume(node, pc, run.end);
         if (q == nullptr) break;
         if (q == run.end) { // an empty group's text: any number of repetitions is the same place
             run.lowest = q;

@@ -9,6 +9,7 @@
 // mismatch. On any path the records take at most 24 bytes per level, so the budget also bounds the memory.
 #pragma once
 
+#include "regex/match/characters.h"
 #include "regex/match/failed_states.h"
 #include "regex/match/plan.h"
 
@@ -202,6 +203,9 @@ private:
     TAV_HOT Run takeRun(const Node& node, int32_t pc, const uint8_t* p) const;
     Run takeClass(const Node& node, int32_t pc, const uint8_t* p) const;
     TAV_HOT const uint8_t* consume(const Node& node, int32_t pc, const uint8_t* p) const;
+    TAV_HOT const uint8_t* wideEnd(const Node& node, int32_t pc, const uint8_t* p) const;
+    TAV_HOT bool hasWide(const Node& node, int32_t pc, const Utf8Sequence& character) const;
+    bool testsTrue(const Node& node, int32_t pc, const Utf8Sequence& character) const;
     const uint8_t* consumeWide(const Node& node, int32_t pc, const uint8_t* p) const;
     const uint8_t* consumeReference(const Node& node, const uint8_t* p) const;
     TAV_HOT const uint8_t* stepBack(const Node& node, const uint8_t* p, const uint8_t* lowest) const;

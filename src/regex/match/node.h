@@ -82,7 +82,7 @@ struct Node {
     int32_t max = 1;       //
     int32_t link = noNode; // opener: first OP_ALT_END of the body; OP_ALT_END: the following one
     int32_t other = noNode; // closing: the opener; lookaround and condition: where failure leads
-    int16_t slot = 0;       // result slot
+    int16_t slot = 0;       // result slot; class: 1 + the number of its wide pages, 0 none
     int16_t follows = -1;   // repeat: the byte that must stand where the repeat ends, -1 unknown; in front of
                             // an alternative: the table of its first bytes (its bit is `mask`), -1 none
 

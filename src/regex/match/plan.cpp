@@ -116,13 +116,22 @@ void decodeAll(Plan& plan, Area& area) {
     }
     plan.nodes[program.length] = decode(program, program.length, {options, noNode, false});
     plan.classCount = classes.count();
+}
+
+/// As many of the wanted tables as there is room for beside the least spare part.
+template <class T>
+T* takeTables(Area& area, int32_t wanted, int32_t& count) {
     const std::size_t left = area.left() > leastSpare ? area.left() - leastSpare : 0;
-    const auto room = static_cast<int32_t>(left / sizeof(RunTest));
-    plan.runTestCount = plan.classCount < room ? plan.classCount : room;
-    plan.runTests = area.take<RunTest>(static_cast<std::size_t>(plan.runTestCount));
-    constexpr std::size_t mostTables = 16;
-    plan.alternativeTableCount = static_cast<int32_t>(std::min(mostTables, area.left() / sizeof(ClassTable)));
-    plan.alternatives = area.take<ClassTable>(static_cast<std::size_t>(plan.alternativeTableCount));
+    count = std::min(wanted, static_cast<int32_t>(left / (sizeof(T) + alignof(T))));
+    return area.take<T>(static_cast<std::size_t>(count));
+}
+
+/// The tables that make the matcher faster; it does without those that find no room.
+void takeFurtherTables(Plan& plan, Area& area) {
+    constexpr int32_t mostAlternativeTables = 16, mostWidePages = 8;
+    plan.runTests = takeTables<RunTest>(area, plan.classCount, plan.runTestCount);
+    plan.alternatives = takeTables<ClassTable>(area, mostAlternativeTables, plan.alternativeTableCount);
+    plan.widePages = takeTables<WidePages>(area, mostWidePages, plan.widePagesCount);
     plan.firstNode = Node{};
 }
 
@@ -189,6 +198,7 @@ void build(Plan& plan, tavRegExpContext& context, uint32_t shortcuts) {
 
     std::memcpy(plan.copy, plan.program.code, size.bytes);
     decodeAll(plan, area);
+    takeFurtherTables(plan, area);
     leaveToMemory(plan, area);
     analyse(plan);
     plan.state = PlanState::ready;

@@ -16,6 +16,7 @@
 #include "regex/match/prefix.h"
 #include "regex/match/run_test.h"
 #include "regex/match/shortcuts.h"
+#include "regex/match/wide_pages.h"
 
 namespace tav::regex {
 
@@ -88,6 +89,8 @@ struct Plan {
     int32_t runTestCount;
     ClassTable* alternatives; // by number and byte: the alternatives that can begin with the byte
     int32_t alternativeTableCount;
+    WidePages* widePages; // of the first classes that must test characters beyond ASCII
+    int32_t widePagesCount;
     Node firstNode;         // for the first alternative at top level, which no node stands in front of
     bool leadingIsBytewise; // the leading run consists of one-byte characters, whatever position it begins at
     bool isClassRun;        // the program is a run of one class: `classRun`

@@ -20,8 +20,9 @@ enum Shortcut : uint32_t {
     shortcutLiteralMatches = 1 << 10, // the occurrences of a literal that is the whole pattern are listed
     shortcutFailedStates = 1 << 11,   // what has failed once at a position is not tried there again
     shortcutAlternatives = 1 << 12,   // alternatives that cannot begin with the byte are not tried
+    shortcutWidePages = 1 << 13,      // what a class says of characters beyond ASCII is remembered
 };
 
-inline constexpr uint32_t everyShortcut = (1 << 13) - 1;
+inline constexpr uint32_t everyShortcut = (1 << 14) - 1;
 
 } // namespace tav::regex
