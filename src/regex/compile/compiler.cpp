@@ -52,6 +52,7 @@ Outcome compile(const char* pattern, const char* options, tavRegExpContext& cont
     int32_t groupCount = 0;
     if (const Outcome outcome = prescan(text, optionBits, groupCount); outcome.failed()) return outcome;
     startHeader(context, optionBits, groupCount);
+    forgetPlan(context);
 
     Emitter emitter(programOf(context), static_cast<int32_t>(text.length() + 1), optionBits);
     if (const Outcome outcome = Parser(text, emitter, groupCount).parse(); outcome.failed()) return outcome;

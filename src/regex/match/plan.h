@@ -113,7 +113,7 @@ inline bool opensOnce(const Plan& plan, int32_t pc) {
     return node.link == noNode && plan.program.code[pc].op != OP_COND;
 }
 
-inline constexpr uint64_t planSignature = 0x31'6E'61'6C'70'76'61'74; // "tavplan1"
+static_assert(offsetof(Plan, signature) == 0, "compilation looks for the signature there");
 
 /// Are two texts of at least sixteen bytes equal? Inlined, because every search compares the program with its
 /// plan's copy.
@@ -130,7 +130,7 @@ inline bool sameBytes(const uint8_t* a, const uint8_t* b, std::size_t size) {
 }
 
 /// A plan serves the search for one match and for all alike.
-inline bool isPlanOf(const Plan& plan, const tavRegExpContext& context) {
+TAV_READS_FORMER_CONTENTS inline bool isPlanOf(const Plan& plan, const tavRegExpContext& context) {
     return plan.signature == planSignature && plan.context == &context &&
            plan.program.length == context.codeLength && plan.program.groupCount == context.groupCount &&
            ((plan.program.options ^ context.options) & ~uint32_t{optionGlobal}) == 0 &&
@@ -141,7 +141,7 @@ inline bool isPlanOf(const Plan& plan, const tavRegExpContext& context) {
 
 /// May a search take a shortcut that needs no plan? It may unless a plan in the work area forbids it; what
 /// stands there by chance can only cost time.
-inline bool mayUse(const tavRegExpContext& context, Shortcut shortcut) {
+TAV_READS_FORMER_CONTENTS inline bool mayUse(const tavRegExpContext& context, Shortcut shortcut) {
     const Plan& plan = *reinterpret_cast<const Plan*>(context.workArea);
     return plan.signature != planSignature || uses(plan, shortcut);
 }

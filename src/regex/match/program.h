@@ -84,6 +84,26 @@ inline constexpr uint32_t contextTag = 0x78456772; // "rgEx" in memory
 inline constexpr std::size_t programOffset = sizeof(tavRegExpContext);
 static_assert(offsetof(tavRegExpContext, workArea) == 32 && programOffset == 48032);
 
+// Before its first search a block holds whatever its memory held: to recognise a plan is to look at that, and
+// nothing is taken from it unless everything agrees. MemorySanitizer cannot know.
+#if defined(__has_feature)
+#if __has_feature(memory_sanitizer)
+#define TAV_READS_FORMER_CONTENTS __attribute__((no_sanitize("memory")))
+#endif
+#endif
+#if !defined(TAV_READS_FORMER_CONTENTS)
+#define TAV_READS_FORMER_CONTENTS
+#endif
+
+/// The first word of the work area once a search has left its plan there.
+inline constexpr uint64_t planSignature = 0x31'6E'61'6C'70'76'61'74; // "tavplan1"
+
+/// A plan that an earlier search left is not to be recognised after a compilation, even of the same pattern:
+/// in between the memory may have served for something else, in parts. The work area is left alone otherwise.
+TAV_READS_FORMER_CONTENTS inline void forgetPlan(tavRegExpContext& context) {
+    if (context.workArea[0] == planSignature) context.workArea[0] = 0;
+}
+
 inline const Instruction* programOf(const tavRegExpContext& context) {
     return reinterpret_cast<const Instruction*>(reinterpret_cast<const uint8_t*>(&context) + programOffset);
 }

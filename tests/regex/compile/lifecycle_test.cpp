@@ -147,6 +147,31 @@ TEST(Init, NeedsThePatternNoLongerThanTheCall) {
     EXPECT_EQ(std::memcmp(bytes + 48032 + 24, "hello", 5), 0);
 }
 
+/// The memory of a released block may come back with parts overwritten, and the same pattern be compiled
+/// there.
+TEST(Init, DoesNotTrustWhatAFormerSearchLeftInTheBlock) {
+    const char* const pattern = "(a|b[cd]+?)*x";
+    const auto* const subject = reinterpret_cast<const uint8_t*>("--abcdbdx");
+    std::vector<uint64_t> block = compiledBlock(pattern);
+    auto* const context = reinterpret_cast<tavRegExpContext*>(block.data());
+    const auto found = [&] {
+        tavRegExpFindResult results[2] = {};
+        int32_t count = 2;
+        EXPECT_EQ(tavsRegExpFind_8u(subject, 9, context, results, &count), tavStsNoError);
+        EXPECT_EQ(count, 2);
+        return std::vector<int64_t>{results[0].start - subject, results[0].length, results[1].start - subject,
+                                    results[1].length};
+    };
+    const std::vector<int64_t> expected = found();
+    EXPECT_EQ(expected, (std::vector<int64_t>{2, 7, 6, 2}));
+    for (std::size_t word = 0; word < 400; ++word) {
+        context->workArea[word] = 0xA5A5A5A5A5A5A5A5;
+        int32_t errOffset = 0;
+        ASSERT_EQ(tavsRegExpInit(pattern, nullptr, context, &errOffset), tavStsNoError);
+        ASSERT_EQ(found(), expected) << "word " << word;
+    }
+}
+
 TEST(InitAlloc, CompilesIntoABlockOfItsOwn) {
     tavRegExpContext* state = nullptr;
     int32_t errOffset = unwritten;
