@@ -72,7 +72,7 @@ TAV_FLATTEN tavStatus findRev(const E* pSrc, int32_t len, const E* pFind, int32_
 }
 
 template <class E>
-tavStatus findZ(const E* pSrcZ, const E* pFindZ, int32_t* pIndex) {
+TAV_FLATTEN tavStatus findZ(const E* pSrcZ, const E* pFindZ, int32_t* pIndex) {
     if (const auto bad = Arguments::pointers(pSrcZ, pFindZ, pIndex); bad.failed()) return bad.status;
     *pIndex = indexInZeroTerminated(pSrcZ, pFindZ, static_cast<int32_t>(zeroTerminatedLength(pFindZ)));
     return tavStsNoError;

@@ -30,7 +30,7 @@ uint32_t shiftXorByFour(const E* src, int32_t len) {
     return plain::hashShiftXor(src + i, len - i, h);
 }
 
-constexpr uint32_t powerOf31(int exponent) {
+consteval uint32_t powerOf31(int exponent) {
     return exponent == 0 ? 1 : 31 * powerOf31(exponent - 1);
 }
 
@@ -62,45 +62,72 @@ __m128i digits(const E* src) {
 
 /// Four running digits, even and odd ones apart, because SSE2 multiplies 32-bit lanes only by twos. The upper
 /// halves of the 64-bit lanes hold garbage that never comes down.
+template <class E>
 struct Row {
+    static constexpr int elements = Vector<E>::size;
     __m128i even = _mm_setzero_si128();
     __m128i odd = _mm_setzero_si128();
+
+    Row() = default;
+
+    /// Goes on from the hash of what lies before: it is the last digit.
+    explicit Row(uint32_t h) : odd(_mm_slli_si128(_mm_cvtsi32_si128(static_cast<int32_t>(h)), 8)) {}
 
     void step(__m128i factor, __m128i digits) {
         even = _mm_add_epi64(_mm_mul_epu32(even, factor), digits);
         odd = _mm_add_epi64(_mm_mul_epu32(odd, factor), _mm_srli_epi64(digits, 32));
     }
 
-    /// The four digits as one polynomial in `base`.
-    uint32_t value(uint32_t base) const {
-        const auto low = [](__m128i lanes) { return static_cast<uint32_t>(_mm_cvtsi128_si32(lanes)); };
-        const auto high = [&](__m128i lanes) { return low(_mm_srli_si128(lanes, 8)); };
-        return ((low(even) * base + low(odd)) * base + high(even)) * base + high(odd);
+    /// The four digits as a polynomial, as the sum of two 64-bit lanes, `rowsBehind` rows before the end.
+    template <int rowsBehind>
+    __m128i value() const {
+        constexpr int digit = elements / 4, behind = rowsBehind * elements;
+        const __m128i ofEven = _mm_set_epi64x(powerOf31(behind + digit), powerOf31(behind + 3 * digit));
+        const __m128i ofOdd = _mm_set_epi64x(powerOf31(behind), powerOf31(behind + 2 * digit));
+        return _mm_add_epi64(_mm_mul_epu32(even, ofEven), _mm_mul_epu32(odd, ofOdd));
     }
 };
 
-/// Rows of sixteen bytes, four at a time; `len` is a multiple of that. The hash of all.
+uint32_t sumOfLanes(__m128i lanes) {
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_add_epi64(lanes, _mm_srli_si128(lanes, 8))));
+}
+
+/// The factor that moves a hash over `elements` more.
+template <int elements>
+__m128i factorOver() {
+    return _mm_set1_epi32(static_cast<int32_t>(powerOf31(elements)));
+}
+
+/// Four rows at a time; `len` is a multiple of that. The hash of all.
 template <class E>
-uint32_t times31ByRows(const E* src, int64_t len) {
-    constexpr int perRow = Vector<E>::size, perDigit = perRow / 4;
-    const __m128i factor = _mm_set1_epi32(static_cast<int32_t>(powerOf31(4 * perRow)));
-    Row a, b, c, d;
-    for (int64_t i = 0; i < len; i += 4 * perRow) {
+uint32_t times31ByFourRows(const E* src, int64_t len) {
+    constexpr int row = Row<E>::elements;
+    const __m128i factor = factorOver<4 * row>();
+    Row<E> a, b, c, d;
+    for (int64_t i = 0; i < len; i += 4 * row) {
         a.step(factor, digits(src + i));
-        b.step(factor, digits(src + i + perRow));
-        c.step(factor, digits(src + i + 2 * perRow));
-        d.step(factor, digits(src + i + 3 * perRow));
+        b.step(factor, digits(src + i + row));
+        c.step(factor, digits(src + i + 2 * row));
+        d.step(factor, digits(src + i + 3 * row));
     }
-    constexpr uint32_t base = powerOf31(perDigit), row = powerOf31(perRow);
-    return ((a.value(base) * row + b.value(base)) * row + c.value(base)) * row + d.value(base);
+    return sumOfLanes(_mm_add_epi64(_mm_add_epi64(a.template value<3>(), b.template value<2>()),
+                                    _mm_add_epi64(c.template value<1>(), d.template value<0>())));
 }
 
 template <class E>
 uint32_t times31(const E* src, int32_t len) {
-    constexpr int32_t round = 4 * Vector<E>::size;
-    const int32_t inRows = len / round * round;
-    const uint32_t h = inRows == 0 ? 0 : times31ByRows(src, inRows);
-    return times31ByFour(src + inRows, len - inRows, h);
+    constexpr int32_t row = Row<E>::elements;
+    uint32_t h = 0;
+    int64_t i = len / (4 * row) * (4 * row);
+    if (i > 0) h = times31ByFourRows(src, i);
+    if (len - i >= row) {
+        Row<E> last(h);
+        for (; len - i >= row; i += row) {
+            last.step(factorOver<row>(), digits(src + i));
+        }
+        h = sumOfLanes(last.template value<0>());
+    }
+    return times31ByFour(src + i, len - i, h);
 }
 
 /// Four elements a step: fewer branches, so that neighbouring calls overlap.

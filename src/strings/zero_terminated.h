@@ -76,25 +76,32 @@ int32_t indexInZeroTerminated(const E* text, E value) {
     return text[found] == value ? static_cast<int32_t>(found) : -1;
 }
 
-/// The first index of the substring, or -1. The text is measured in growing windows, so that an early match
-/// does not pay for the whole text. A window outgrows the substring, because each search may look at all of
-/// the substring again: in smaller windows the whole would not be linear.
+/// Goes on with a search of which the text up to `measured` has no zero and no occurrence.
 template <class E>
-int32_t indexInZeroTerminated(const E* text, const E* find, int32_t lenFind) {
-    constexpr int64_t firstWindow = 512;
+[[gnu::noinline]] int32_t indexBehind(int64_t measured, const E* text, const E* find, int32_t lenFind) {
     const int64_t largestWindow = std::max(int64_t{65536}, 4 * int64_t{lenFind});
-    if (lenFind == 0) return -1;
     int64_t searched = 0; // no occurrence starts before this index
-    int64_t measured = 0; // no zero before this index
-    for (int64_t window = firstWindow;; window = std::min(window * 4, largestWindow)) {
+    for (int64_t window = 8 * measured;; window = std::min(window * 4, largestWindow)) {
+        searched = std::max(searched, measured - lenFind + 1);
         const int64_t gained = zeroTerminatedLength(text + measured, window);
         measured += gained;
         const auto length = static_cast<int32_t>(measured - searched);
         const int32_t found = indexOf(text + searched, length, find, lenFind);
         if (found >= 0) return static_cast<int32_t>(searched + found);
         if (gained < window) return -1;
-        searched = std::max(searched, measured - lenFind + 1);
     }
+}
+
+/// The first index of the substring, or -1. The text is measured in growing windows, so that an early match
+/// does not pay for the whole text. A window outgrows the substring, because each search may look at all of
+/// the substring again: in smaller windows the whole would not be linear.
+template <class E>
+int32_t indexInZeroTerminated(const E* text, const E* find, int32_t lenFind) {
+    constexpr int64_t firstWindow = 512;
+    const int64_t measured = zeroTerminatedLength(text, firstWindow);
+    const int32_t found = indexOf(text, static_cast<int32_t>(measured), find, lenFind);
+    if (found >= 0 || measured < firstWindow || lenFind == 0) return found;
+    return indexBehind(measured, text, find, lenFind);
 }
 
 } // namespace tav
