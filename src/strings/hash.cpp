@@ -30,16 +30,17 @@ uint32_t shiftXorByFour(const E* src, int32_t len) {
     return plain::hashShiftXor(src + i, len - i, h);
 }
 
-consteval uint32_t powerOf31(int exponent) {
-    return exponent == 0 ? 1 : 31 * powerOf31(exponent - 1);
-}
+template <int exponent>
+constexpr uint32_t powerOf31 = 31 * powerOf31<exponent - 1>;
+template <>
+constexpr uint32_t powerOf31<0> = 1;
 
 template <class E>
 uint32_t times31ByFour(const E* src, int64_t len, uint32_t h) {
     int64_t i = 0;
     for (; i + 4 <= len; i += 4) {
-        h = h * powerOf31(4) + (src[i] * powerOf31(3) + src[i + 1] * powerOf31(2)) +
-            (src[i + 2] * 31U + src[i + 3]);
+        h = h * powerOf31<4> +
+            (src[i] * powerOf31<3> + src[i + 1] * powerOf31<2>)+(src[i + 2] * 31U + src[i + 3]);
     }
     return plain::hashTimes31(src + i, static_cast<int32_t>(len - i), h);
 }
@@ -52,7 +53,7 @@ __m128i digits(const E* src) {
         const __m128i even = _mm_and_si128(elements, _mm_set1_epi16(0x00FF));
         const __m128i odd = _mm_srli_epi16(elements, 8);
         const __m128i pairs = _mm_add_epi16(_mm_sub_epi16(_mm_slli_epi16(even, 5), even), odd);
-        return _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | powerOf31(2)));
+        return _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | powerOf31<2>));
     } else {
         // The multiplication is signed: units are biased by 2^15, which makes each digit 2^20 too small.
         const __m128i biased = _mm_xor_si128(elements, _mm_set1_epi16(-0x8000));
@@ -82,8 +83,8 @@ struct Row {
     template <int rowsBehind>
     __m128i value() const {
         constexpr int digit = elements / 4, behind = rowsBehind * elements;
-        const __m128i ofEven = _mm_set_epi64x(powerOf31(behind + digit), powerOf31(behind + 3 * digit));
-        const __m128i ofOdd = _mm_set_epi64x(powerOf31(behind), powerOf31(behind + 2 * digit));
+        const __m128i ofEven = _mm_set_epi64x(powerOf31<behind + digit>, powerOf31<behind + 3 * digit>);
+        const __m128i ofOdd = _mm_set_epi64x(powerOf31<behind>, powerOf31<behind + 2 * digit>);
         return _mm_add_epi64(_mm_mul_epu32(even, ofEven), _mm_mul_epu32(odd, ofOdd));
     }
 };
@@ -95,7 +96,7 @@ uint32_t sumOfLanes(__m128i lanes) {
 /// The factor that moves a hash over `elements` more.
 template <int elements>
 __m128i factorOver() {
-    return _mm_set1_epi32(static_cast<int32_t>(powerOf31(elements)));
+    return _mm_set1_epi32(static_cast<int32_t>(powerOf31<elements>));
 }
 
 /// Four rows at a time; `len` is a multiple of that. The hash of all.
