@@ -174,6 +174,17 @@ FailedStates::Known FailedStates::lookUp(uint64_t state, int32_t at, int32_t lev
     return levels >= bound ? Known::failed : Known::nothing;
 }
 
+int32_t FailedStates::lastUnknown(uint64_t state, int32_t at, int32_t floor) const {
+    while (at >= floor) {
+        const Line* const line = find(bitsKey(state, at));
+        if (line == nullptr) return at;
+        const uint64_t unknown = ~line->failed << (63 - (at & 63));
+        if (unknown != 0) return std::max(at - std::countl_zero(unknown), floor - 1);
+        at = (at & ~63) - 1;
+    }
+    return floor - 1;
+}
+
 void FailedStates::add(uint64_t state, int32_t at, int32_t levels, bool touched) {
     if (levelsOnlyHelp_ && !touched) {
         claim(bitsKey(state, at)).failed |= uint64_t{1} << (at & 63);

@@ -61,6 +61,23 @@ public:
     /// Has the state failed, so that it fails again with `levels`?
     Known lookUp(uint64_t state, int32_t at, int32_t levels) const;
 
+    /// The last position from `at` back to `floor` where the state is not known to fail whatever the levels;
+    /// floor - 1 when there is none.
+    int32_t lastUnknown(uint64_t state, int32_t at, int32_t floor) const;
+
+    /// May what fails in the loops be looked for from the end back to `start`? Later starts may ask again,
+    /// for the memory forgets, but not so often that it takes more than its share of the time.
+    bool mayLearn(int32_t start) const { return lessons_ < mostLessons && start >= nextLesson_; }
+    void learns(int32_t start) {
+        ++lessons_;
+        nextLesson_ = start + betweenLessons;
+    }
+
+    /// Loops are numbered from 1. The outermost ones depend on nothing around them.
+    int32_t loopCount() const { return loopCount_; }
+    bool isOutermost(int32_t loop) const { return loops_[loop].depth == 1 && loops_[loop].parent == 0; }
+    int32_t bracketOf(int32_t loop) const { return loops_[loop].bracket; }
+
     /// The state has failed with `levels`, touched by the limit or not.
     void add(uint64_t state, int32_t at, int32_t levels, bool touched);
 
@@ -76,6 +93,8 @@ private:
 
     enum Sort : uint64_t { sortBits = 1, sortLevels = 3 }; // the key's last two bits
 
+    static constexpr int mostLessons = 64;
+    static constexpr int betweenLessons = 2048; // start positions
     static constexpr int probes = 8;
     static constexpr int fewestLines = 64;
     static constexpr int keyBits = 33; // of a state
@@ -108,6 +127,8 @@ private:
     uint32_t homes_ = 0;    // lines in use, without the last ones that only probing reaches
     uint32_t capacity_ = 0; // homes that there is room for
     uint32_t victim_ = 0;
+    int lessons_ = 0;
+    int32_t nextLesson_ = 0;
 };
 
 } // namespace tav::regex

@@ -3,6 +3,7 @@
 #include "regex/match/alternatives.h"
 #include "regex/match/characters.h"
 #include "regex/match/stack_room.h"
+#include "regex/match/steps.h"
 #include "regex/match/structure.h"
 #include "unicode/properties.h"
 
@@ -62,6 +63,18 @@ Replaced& replacedBy(Record* iteration) {
 
 uint32_t optionsOf(const Node& node) {
     return (node.has(traitCaseless) ? optionCaseless : 0u) | (node.has(traitDotAll) ? optionDotAll : 0u);
+}
+
+bool isAscii(const uint8_t* p, const uint8_t* end) {
+    uint64_t all = 0;
+    for (; end - p >= 8; p += 8) {
+        uint64_t eight;
+        std::memcpy(&eight, p, sizeof eight);
+        all |= eight;
+    }
+    for (; p < end; ++p)
+        all |= *p;
+    return (all & 0x8080808080808080u) == 0;
 }
 
 bool isBoundary(const uint8_t* begin, const uint8_t* p) {
@@ -161,6 +174,7 @@ template <class Nodes>
 Outcome Machine<Nodes>::run(const Registers& from) {
     Registers r = from;
     for (;;) {
+        countStep();
         Step step = Step::fail;
         if (r.levels > 0) {
             --r.levels;
@@ -566,9 +580,18 @@ bool Machine<Nodes>::giveBack(Registers& r) {
     const auto& node = nodes_[pc];
     const uint8_t* const lowest = begin_ + record.bound;
     const uint8_t* q = stepBack(node, begin_ + record.at, lowest);
-    if (node.follows >= 0)
+    const auto passOver = [&] {
+        if (node.follows < 0) return;
         while (q != lowest && (q >= end_ || *q != node.follows))
             q = stepBack(node, q, lowest);
+    };
+    passOver();
+    if constexpr (Nodes::remembers) {
+        for (const uint8_t* last = nullptr; q != lowest && q != last; passOver()) {
+            last = q;
+            q = skipFailed(node, pc, q, lowest);
+        }
+    }
     r.levels = record.levels;
     record.at = offset(q);
     if (!Nodes::remembers && q == lowest) --r.top;
@@ -597,17 +620,15 @@ auto Machine<Nodes>::lazy(Registers& r, const Node& node) -> Step {
 template <class Nodes>
 auto Machine<Nodes>::advanceLazily(Registers& r, const Node& node, int32_t pc, int32_t left) -> Step {
     const uint8_t* p = r.p;
-    if (node.follows >= 0) {
-        while (p >= limit_ || *p != node.follows) {
-            if (left == 0 || p >= end_) return Step::fail;
-            const uint8_t* q = consume(node, pc, p);
-            if (q == nullptr || q == p) return Step::fail;
-            p = q;
-            --left;
-        }
+    while ((node.follows >= 0 && (p >= limit_ || *p != node.follows)) || hasFailed(r, pc, p, r.levels)) {
+        if (left == 0 || p >= end_) return Step::fail;
+        const uint8_t* q = consume(node, pc, p);
+        if (q == nullptr || q == p) return Step::fail;
+        p = q;
+        --left;
     }
     if (left > 0 && p < end_) *++r.top = {what(sortLazy, pc), offset(p), left, r.levels};
-    if (!mayEndAt(p, node.next) || hasFailed(r, pc, p, r.levels)) return Step::fail;
+    if (!mayEndAt(p, node.next)) return Step::fail;
     r.p = p;
     r.pc = node.next;
     return Step::go;
@@ -982,10 +1003,12 @@ void Machine<Nodes>::keepSlots(Registers& r, Record* base) {
 // --- Failed states
 // ------------------------------------------------------------------------------------------
 
-/// More returns than there are choices and positions: some must have been passed again and again.
+/// More returns than there are choices and positions: some must have been passed again and again. With a
+/// memory: it is time to learn.
 template <class Nodes>
 bool Machine<Nodes>::isTired() {
-    return !Nodes::remembers && --patience_ < 0 && plan_.remembersFailures;
+    if constexpr (Nodes::remembers) return nodes_.outOfLevels && nodes_.failed->mayLearn(offset(start_));
+    return --patience_ < 0 && plan_.remembersFailures;
 }
 
 /// The state of the choice at `pc`. Its context counts, from the innermost loop outwards, the iterations and
@@ -1012,6 +1035,35 @@ uint64_t Machine<Nodes>::stateOf(int32_t pc, int32_t at) const {
         context = failed.state(pc, context * (depth + 1) + empty);
     }
     return context;
+}
+
+/// The last end of a repeat, from `p` back to `lowest`, behind which nothing is known to fail whatever the
+/// levels; `lowest` when there is none. Exact, because going on at the ends passed over would fail.
+template <class Nodes>
+const uint8_t* Machine<Nodes>::skipFailed(const Node& node, int32_t pc, const uint8_t* p,
+                                          const uint8_t* lowest) const {
+    if constexpr (Nodes::remembers) {
+        const FailedStates& failed = *nodes_.failed;
+        if (node.item > Item::tested) return p;
+        const FailedStates::Loop* const loop = failed.loopAround(pc);
+        const uint8_t* floor = lowest;
+        if (loop != nullptr) { // where the iteration began it has consumed nothing: another state
+            const uint8_t* const began = begin_ + stack_[plan_.brackets[loop->bracket].record].at;
+            if (began >= floor) floor = began + 1;
+        }
+        if (p < floor) return p;
+        const uint64_t state = stateOf(pc, offset(p));
+        if (state == FailedStates::noState) return p;
+        const uint8_t* const target = begin_ + failed.lastUnknown(state, offset(p), offset(floor));
+        if (node.has(traitSingle) || isAscii(target < lowest ? lowest : target, p)) {
+            p = target;
+        } else {
+            while (p > target && p > lowest)
+                p = stepBack(node, p, lowest);
+        }
+        return p < lowest ? lowest : p;
+    }
+    return p;
 }
 
 /// Is going on behind the choice at `pc` known to fail?
@@ -1051,7 +1103,31 @@ void Machine<Nodes>::rememberPart(const Registers& r, int32_t pc, int32_t at, in
 /// All choices that are left have seen it.
 template <class Nodes>
 void Machine<Nodes>::runOutOfLevels(const Registers& r) {
-    if constexpr (Nodes::remembers) nodes_.touched = r.top - stack_;
+    if constexpr (Nodes::remembers) {
+        nodes_.touched = r.top - stack_;
+        nodes_.outOfLevels = true;
+    }
+}
+
+template <class Nodes>
+[[gnu::noinline]] void Machine<Nodes>::learn(const uint8_t* start, const uint8_t* end) {
+    if constexpr (Nodes::remembers) {
+        FailedStates& failed = *nodes_.failed;
+        failed.learns(offset(start));
+        constexpr std::ptrdiff_t farthest = 1 << 22;
+        if (end - start > farthest) return;
+        for (const uint8_t* p = end; p >= start; --p) {
+            for (int32_t loop = failed.loopCount() - 1; loop > 0; --loop) {
+                if (!failed.isOutermost(loop)) continue;
+                nodes_.touched = 0;
+                nodes_.outOfLevels = false;
+                const Outcome outcome =
+                    run({p, plan_.brackets[failed.bracketOf(loop)].opener, matchLimit_, stack_});
+                if (outcome == Outcome::full) matchOnLargerStack();
+                if (nodes_.outOfLevels) return;
+            }
+        }
+    }
 }
 
 // --- Backtracking
@@ -1087,6 +1163,7 @@ void Machine<Nodes>::dropTo(Registers& r, Record* mark) {
 template <class Nodes>
 bool Machine<Nodes>::backtrack(Registers& r) {
     while (r.top != stack_) {
+        countStep();
         bool resumed = false;
         switch (sortOf(*r.top)) {
         case sortAlternative:

@@ -76,6 +76,7 @@ public:
     static constexpr bool remembers = true;
     FailedStates* failed = nullptr;
     std::ptrdiff_t touched = 0; // the choices up to this one have seen a path run out of levels
+    bool outOfLevels = false;   // some path has
 };
 
 template <class Nodes>
@@ -97,6 +98,7 @@ public:
         end_ = end;
         notEmpty_ = notEmpty;
         if (capturesDirty_ || plan_.capturesStay) clearCaptures();
+        if constexpr (Nodes::remembers) nodes_.touched = 0;
         Registers r{start, 0, matchLimit_, stack_};
         if (plan_.firstAlternative != noNode && !beginAlternatives(r)) return Outcome::failed;
         patience_ = plan_.patience + static_cast<int64_t>(plan_.choices) * (end - start);
@@ -105,6 +107,10 @@ public:
         capturesDirty_ = outcome != Outcome::failed;
         return outcome;
     }
+
+    /// Once levels have run out: remembers what fails in the loops, beginning at the end, so that each state
+    /// finds those behind it known and needs few levels itself.
+    void learn(const uint8_t* start, const uint8_t* end);
 
     /// The end of the match just found.
     const uint8_t* matchEnd() const { return matchEnd_; }
@@ -194,6 +200,7 @@ private:
     uint64_t stateOf(int32_t pc, int32_t at) const;
     TAV_HOT void runOutOfLevels(const Registers& r);
     TAV_HOT bool isTired();
+    const uint8_t* skipFailed(const Node& node, int32_t pc, const uint8_t* p, const uint8_t* lowest) const;
 
     TAV_HOT void restoreSlot(const Record& record);
     TAV_HOT void undo(Record*& top);

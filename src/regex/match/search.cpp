@@ -65,7 +65,12 @@ private:
         Machine<Remembering<Nodes>> machine(plan_, subject_, matchLimit_);
         machine.rememberIn(*memory_);
         for (; p != nullptr; p = starts_.after(p, machine.failedUpTo(), end)) {
-            if (machine.match(p, end, notEmpty) != Outcome::matched) continue;
+            Outcome outcome = machine.match(p, end, notEmpty);
+            if (outcome == Outcome::tired) {
+                machine.learn(p, end);
+                outcome = machine.match(p, end, notEmpty);
+            }
+            if (outcome != Outcome::matched) continue;
             start_ = p;
             matchEnd_ = machine.matchEnd();
             return true;

@@ -41,6 +41,8 @@ const Deep deepest[] = {
     {"(?:(?<=b)a|b|a)*", "ab"},
     {"(?i:a|(b))*", "aB"},
     {"(.)*", "ab"},
+    {"(a|aa)+$", "a", 12000, "b"}, // remembers what has failed
+    {"(?:(a|aa)+|(b)+?)*?$", "aab", 6000, "c"},
 };
 
 /// Bodies that capture and give their levels back: what they captured takes more room than their levels.
