@@ -84,6 +84,49 @@ TEST_P(EachShortcut, ChangesNoResultAloneOrLeftOut) {
     EXPECT_GT(comparison.pairs, 1000);
 }
 
+/// Lookaheads at the beginning that begin with a run: where one fails, the starts inside its run are skipped.
+int lookaheadTrials(Random& random, Comparison& comparison) {
+    using Strings = std::vector<std::string>;
+    static const Strings fronts = {"", "", "\\b", "^", "(?!b)", "(?<=a)", "(", "(?:"};
+    static const Strings runs = {".*", ".*", "a+", "[ab]*", "\\w{2,}", "[^b]*", ".*?", "a{2}", "\\x{e9}*"};
+    static const Strings rests = {"b",     "\\b", "$",  "a|b",     "\\bb", "(b)",
+                                  "(?=b)", "c+",  "bb", "(a|b)*c", "\\z"};
+    static const Strings tails = {"", "a", ".*", "\\w+b", "[ab]+$", ".", "(a|b)c", "^", "\\b"};
+    const std::string front = random.pick(fronts);
+    std::string pattern = front;
+    for (uint32_t looks = 1 + random.below(2); looks > 0; --looks)
+        pattern =
+            join({pattern, random.oneIn(6) ? "(?!" : "(?=", random.pick(runs), random.pick(rests), ")"});
+    pattern += random.pick(tails);
+    if (front == "(" || front == "(?:") pattern += random.oneIn(3) ? ")+" : ")";
+    Trial trial;
+    trial.pattern = pattern;
+    trial.options = random.pick(Strings{"", "", "g", "s", "m", "gm"});
+    const Compiled compiled = compile(trial.pattern, trial.options);
+    if (!compiled) return 0;
+    for (int subjects = 0; subjects < 8; ++subjects) {
+        trial.subject.clear();
+        for (uint32_t pieces = random.below(14); pieces > 0; --pieces)
+            trial.subject += random.pick(Strings{"a", "a", "b", "c", "\n", " ", "\xc3\xa9", "\xa9"});
+        trial.behind = random.oneIn(4) ? 'a' : '\0';
+        trial.format = random.oneIn(3) ? 0 : 1;
+        trial.limit = random.oneIn(3) ? static_cast<int32_t>(random.below(20)) : 10000;
+        comparison.compare(*compiled.block, trial);
+    }
+    return 1;
+}
+
+TEST(LeadingLookaheads, SkipNoStartThatMatches) {
+    Comparison comparison;
+    withLargeStack([&] {
+        Random random(seedFromEnvironment());
+        for (int patterns = 0; patterns < 12'000 && comparison.differences < 10; ++patterns)
+            lookaheadTrials(random, comparison);
+    });
+    EXPECT_EQ(comparison.differences, 0) << comparison.report;
+    EXPECT_GT(comparison.matches, 5000);
+}
+
 // ---------------------------------------------------------------------------------------------------------
 // Recompiling
 

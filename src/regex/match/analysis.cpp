@@ -61,17 +61,37 @@ bool leadsOn(const Plan& plan, int32_t pc) {
     return kind == Kind::assertion || kind == Kind::pass || opensOnce(plan, pc);
 }
 
+bool isLeadingRun(const Node& node) {
+    return isGreedy(node) && node.max == unboundedRepeat && node.item <= Item::tested;
+}
+
 /// The unbounded repeat that every attempt begins with, if nothing behind it can tell where it began: when
-/// the attempt at its first character fails, those inside the run fail too.
+/// the attempt at its first character fails, those inside the run fail too. The same holds of the repeat that
+/// a lookahead at the beginning begins with, when it is the lookahead that fails.
 void analyseLeadingRun(Plan& plan) {
     if (plan.firstAlternative != noNode || plan.hasBackReferences) return;
+    plan.leadingIsBytewise = true;
+    const auto mark = [&](Node& run) {
+        addTrait(run, traitLeading);
+        if (!run.has(traitSingle)) plan.leadingIsBytewise = false;
+    };
     int32_t pc = 0;
-    while (leadsOn(plan, pc))
-        pc = isBracket(plan.program.code[pc].op) ? pc + 1 : plan.nodes[pc].next;
-    Node& node = plan.nodes[pc];
-    if (isGreedy(node) && node.max == unboundedRepeat && node.item <= Item::tested)
-        addTrait(node, traitLeading);
-    plan.leadingIsBytewise = node.has(traitSingle);
+    for (;;) {
+        Node& node = plan.nodes[pc];
+        if (node.kind == Kind::look) {
+            const bool isSimple = plan.program.code[pc].op == OP_LOOKAHEAD && node.link == noNode;
+            if (isSimple && isLeadingRun(plan.nodes[pc + 1])) {
+                addTrait(node, traitLeading);
+                mark(plan.nodes[pc + 1]);
+            }
+            pc = behind(plan.program, pc);
+        } else if (leadsOn(plan, pc)) {
+            pc = isBracket(plan.program.code[pc].op) ? pc + 1 : node.next;
+        } else {
+            break;
+        }
+    }
+    if (isLeadingRun(plan.nodes[pc])) mark(plan.nodes[pc]);
 }
 
 /// Can a match do without what the bracket at `pc` holds, or without some of it?

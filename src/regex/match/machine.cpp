@@ -922,6 +922,7 @@ auto Machine<Nodes>::leaveBody(Registers& r, const Node& closing) -> Step {
     if (node.kind == Kind::atomicLoop) return leaveAtomicIteration(r, closing, mark);
     r.levels = mark->levels;
     if (node.kind == Kind::look) r.p = begin_ + mark->at;
+    if (node.has(traitLeading)) failedUpTo_ = start_; // it is not this lookahead that fails the attempt
     if (!node.has(traitInner)) {
         r.top = mark - 1;
     } else if (node.has(traitKeep)) {

@@ -63,7 +63,8 @@ enum Trait : uint16_t {
     traitMultiAll = 1 << 11,   // the class accepts every well-formed character beyond ASCII
     traitMultiTest = 1 << 12,  // such characters must be tested one by one
     traitPossessive = 1 << 13, // giving back what the repeat took can never help
-    traitLeading = 1 << 14,    // when the attempt fails, so do those that begin inside this repeat's run
+    traitLeading = 1 << 14,    // when the attempt fails, so do those that begin inside this repeat's run;
+                               // lookahead: it begins with such a repeat, as long as it has not matched
     traitVector = 1 << 7,      // item: the class has a test for the ends of its runs
     traitBytewise = 1 << 8,    // item: an unbounded repeat of all bytes but some below 0x80
 };
