@@ -171,7 +171,7 @@ TAV_FLATTEN [[gnu::noinline]] int64_t scanValues(const E* src, int64_t count, co
     Vector<E> members[maxTests];
     const int32_t tests = (lenSet + 3) / 4 * 4; // the last one some times again
     for (int32_t i = 0; i < tests; ++i) {
-        members[i] = Vector<E>::splat(set[std::min(i, lenSet - 1)]);
+        members[i] = Vector<E>::splat(set[i < lenSet ? i : lenSet - 1]);
     }
     return scan<way, seek, E>(count, [&](auto block) {
         const Vector<E> values = block.load(src);

@@ -37,6 +37,12 @@ TAV_READS_WHOLE_BLOCKS LaneMask<E> stopsIn(const E* alignedBlock, Vector<E> valu
     return stop == Stop::zero ? zeros.lanes() : (zeros | elements.equal(value)).lanes();
 }
 
+/// The lanes before `limit`: what lies behind is not looked at, not even to be dropped later.
+template <class E>
+LaneMask<E> upTo(int64_t limit, LaneMask<E> lanes) {
+    return limit < Vector<E>::size ? lanes.below(static_cast<int32_t>(limit)) : lanes;
+}
+
 /// The first index below `limit` whose element is zero or, if it is to stop there, `value`; `limit` when
 /// there is none. One block is tested before the next is read, so that nothing is read of a block behind.
 template <Stop stop, class E>
@@ -46,8 +52,8 @@ int64_t indexOfStop(const E* text, E value, int64_t limit) {
     if (limit <= 0) return 0;
     const auto misalignment = static_cast<int32_t>((reinterpret_cast<uintptr_t>(text) & 15) / sizeof(E));
     int64_t at = -misalignment;
-    const LaneMask<E> first = stopsIn<stop, E>(text + at, values).from(misalignment);
-    if (first.any()) return std::min(at + first.first(), limit);
+    const LaneMask<E> first = upTo(limit - at, stopsIn<stop, E>(text + at, values)).from(misalignment);
+    if (first.any()) return at + first.first();
     at += size;
     for (; at + 4 * size <= limit; at += 4 * size) {
         for (int64_t k = 0; k < 4 * size; k += size) {
@@ -56,8 +62,8 @@ int64_t indexOfStop(const E* text, E value, int64_t limit) {
         }
     }
     for (; at < limit; at += size) {
-        const LaneMask<E> stops = stopsIn<stop, E>(text + at, values);
-        if (stops.any()) return std::min(at + stops.first(), limit);
+        const LaneMask<E> stops = upTo(limit - at, stopsIn<stop, E>(text + at, values));
+        if (stops.any()) return at + stops.first();
     }
     return limit;
 }

@@ -29,6 +29,7 @@ tavStatus initAlloc(const char* pattern, const char* options, tavRegExpContext**
     const int64_t bytes = compiler::blockSize(static_cast<int64_t>(std::strlen(pattern)));
     *state = static_cast<tavRegExpContext*>(tavMalloc(static_cast<std::size_t>(bytes)));
     if (*state == nullptr) return tavStsNullPointer;
+    (*state)->workArea[0] = 0; // no plan: whoever watches memory need not see it looked for in a fresh block
     const tavStatus status = init(pattern, options, *state, errOffset);
     if (status != tavStsNoError) {
         tavFree(*state);
