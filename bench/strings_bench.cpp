@@ -570,33 +570,47 @@ void listRows(Table& table, int32_t size) {
     join.add("tavch", [=] { return Api<E>::join(opaque(texts), lens, count, ',', dst); });
     join.add("loop", [=] { return peers::join<E>(opaque(texts), lens, count, ',', dst), 0; });
     table.row<E>("lists", "join", size, join);
+}
 
-    constexpr std::size_t room = 32;
-    std::vector<E> fields(words.lens.size() * room);
-    std::vector<E*> slots;
-    for (std::size_t k = 0; k < words.lens.size(); ++k) {
-        slots.push_back(fields.data() + room * k);
+/// Texts split into fields of about seven elements, and of about fifty.
+template <class E>
+void splitRows(Table& table, int32_t size) {
+    for (const bool words : {true, false}) {
+        auto src = prose<E>(size);
+        if (!words) {
+            std::replace(src.begin(), src.end(), E{' '}, E{'_'});
+            for (std::size_t i = 30; i < src.size(); i += 31 + src[i - 1] % 40U) {
+                src[i] = ' ';
+            }
+        }
+        const std::size_t room = 128;
+        const auto count = Words<E>(src).count();
+        std::vector<E> fields(toSize(count) * room);
+        std::vector<E*> slots;
+        for (std::size_t k = 0; k < toSize(count); ++k) {
+            slots.push_back(fields.data() + room * k);
+        }
+        std::vector<int32_t> fieldLens(toSize(count));
+        const auto splitBy = [&](const auto& function) {
+            std::fill(fieldLens.begin(), fieldLens.end(), static_cast<int32_t>(room));
+            return function(opaque(src.data()), slots.data(), fieldLens.data());
+        };
+        Contest split;
+        split.writesTo(fields);
+        split.add("tavch", [&] {
+            return splitBy([&](const E* text, E** dsts, int32_t* dstLens) {
+                int32_t fieldCount = count;
+                Api<E>::split(text, size, ' ', dsts, dstLens, &fieldCount);
+                return fieldCount;
+            });
+        });
+        split.add("loop", [&] {
+            return splitBy([&](const E* text, E** dsts, int32_t* dstLens) {
+                return peers::split<E>(text, size, ' ', dsts, dstLens, count);
+            });
+        });
+        table.row<E>("splitC", words ? "words" : "lines", size, split);
     }
-    std::vector<int32_t> fieldLens(words.lens.size());
-    const auto splitBy = [&](const auto& function) {
-        std::fill(fieldLens.begin(), fieldLens.end(), static_cast<int32_t>(room));
-        return function(opaque(src.data()), slots.data(), fieldLens.data());
-    };
-    Contest split;
-    split.writesTo(fields);
-    split.add("tavch", [&] {
-        return splitBy([&](const E* text, E** dsts, int32_t* dstLens) {
-            int32_t fieldCount = count;
-            Api<E>::split(text, size, ' ', dsts, dstLens, &fieldCount);
-            return fieldCount;
-        });
-    });
-    split.add("loop", [&] {
-        return splitBy([&](const E* text, E** dsts, int32_t* dstLens) {
-            return peers::split<E>(text, size, ' ', dsts, dstLens, count);
-        });
-    });
-    table.row<E>("splitC", "words", size, split);
 }
 
 template <class E>
@@ -692,6 +706,7 @@ void allRows(Table& table) {
         setRows<E>(table, size);
         editRows<E>(table, size);
         listRows<E>(table, size);
+        splitRows<E>(table, size);
         changeRows<E>(table, size);
         trimRows<E>(table, size);
         hashRows<E>(table, size);
