@@ -23,14 +23,22 @@ void moveEnds(const E* source, E* destination, int32_t count) {
     std::memcpy(destination + tailAt, &tail, sizeof tail);
 }
 
-/// Copies one element or more, but less than a vector.
+/// Copies less than a vector. That there may be nothing to copy is tested last: it is the rarest case.
 template <class E>
-void moveShort(const E* source, E* destination, int32_t count) {
-    const std::size_t bytes = static_cast<std::size_t>(count) * sizeof(E);
-    if (bytes >= 8) return moveEnds<uint64_t>(source, destination, count);
-    if (bytes >= 4) return moveEnds<uint32_t>(source, destination, count);
-    if (bytes >= 2) return moveEnds<uint16_t>(source, destination, count);
-    *destination = *source;
+tavStatus moveShort(const E* source, E* destination, int32_t count) {
+    const int64_t bytes = count * static_cast<int64_t>(sizeof(E));
+    if (bytes >= 8) {
+        moveEnds<uint64_t>(source, destination, count);
+    } else if (bytes >= 4) {
+        moveEnds<uint32_t>(source, destination, count);
+    } else if (bytes >= 2) {
+        moveEnds<uint16_t>(source, destination, count);
+    } else if (bytes == 1) {
+        *destination = *source;
+    } else {
+        return tavStsBadCount;
+    }
+    return tavStsNoError;
 }
 
 /// Four neighbouring vectors, loaded together before any of them is stored.
@@ -59,6 +67,12 @@ struct FourBlocks {
 template <class E>
 [[gnu::noinline]] void moveMany(const E* source, E* destination, int64_t count) {
     using Four = FourBlocks<E>;
+    if (count <= 2 * Four::size) {
+        const Four head = Four::load(source), tail = Four::load(source + count - Four::size);
+        head.store(destination);
+        tail.store(destination + count - Four::size);
+        return;
+    }
     constexpr std::size_t libraryPays = 2048;
     const std::size_t bytes = static_cast<std::size_t>(count) * sizeof(E);
     const auto ahead = reinterpret_cast<uintptr_t>(destination) - reinterpret_cast<uintptr_t>(source);
@@ -87,14 +101,13 @@ template <class E>
 template <class E>
 tavStatus moveElements(const E* source, E* destination, int32_t count) {
     if (source == nullptr || destination == nullptr) return tavStsNullPointer;
-    if (count < 1) return tavStsBadCount;
     constexpr int32_t size = Vector<E>::size;
     // Small pieces are the common ones and a call would be most of their cost. All is loaded before anything
     // is stored.
     if (count > 4 * size) {
         copying::moveMany(source, destination, count);
     } else if (count < size) {
-        copying::moveShort(source, destination, count);
+        return copying::moveShort(source, destination, count);
     } else {
         const WholeBlock<E> head{0}, tail{count - size};
         const Vector<E> first = head.load(source), last = tail.load(source);

@@ -70,14 +70,15 @@ private:
 };
 
 /// Appends the strings in order. Each is tested when it is reached, so that those before it stay written.
-template <class E>
-tavStatus appendAll(const E* const* pSrcs, const int32_t* srcLens, int32_t numSrc, const E* delim, E* pDst) {
+template <bool delimited, class E>
+tavStatus appendAll(const E* const* pSrcs, const int32_t* srcLens, int32_t numSrc, E delim, E* pDst) {
     for (int32_t i = 0; i < numSrc; ++i) {
-        if (const auto bad = Arguments::pointers(pSrcs[i]).lengths(srcLens[i]); bad.failed())
-            return bad.status;
-        if (delim != nullptr && i > 0) *pDst++ = *delim;
-        copyElements(pSrcs[i], pDst, srcLens[i]);
-        pDst += srcLens[i];
+        const E* const piece = pSrcs[i];
+        const int32_t len = srcLens[i];
+        if (const auto bad = Arguments::pointers(piece).lengths(len); bad.failed()) return bad.status;
+        if (delimited && i > 0) *pDst++ = delim;
+        copyElements(piece, pDst, len);
+        pDst += len;
     }
     return tavStsNoError;
 }
@@ -150,18 +151,18 @@ TAV_FLATTEN tavStatus concat(const E* pSrc1, int32_t len1, const E* pSrc2, int32
 }
 
 template <class E>
-tavStatus concatList(const E* const* pSrcs, const int32_t* srcLens, int32_t numSrc, E* pDst) {
+TAV_FLATTEN tavStatus concatList(const E* const* pSrcs, const int32_t* srcLens, int32_t numSrc, E* pDst) {
     if (const auto bad = Arguments::pointers(pSrcs, srcLens, pDst).counts(numSrc); bad.failed())
         return bad.status;
-    return appendAll<E>(pSrcs, srcLens, numSrc, nullptr, pDst);
+    return appendAll<false, E>(pSrcs, srcLens, numSrc, 0, pDst);
 }
 
 template <class E>
-tavStatus concatListWithDelimiter(const E* const* pSrcs, const int32_t* srcLens, int32_t numSrc, E delim,
-                                  E* pDst) {
+TAV_FLATTEN tavStatus concatListWithDelimiter(const E* const* pSrcs, const int32_t* srcLens, int32_t numSrc,
+                                              E delim, E* pDst) {
     if (const auto bad = Arguments::pointers(pSrcs, srcLens, pDst).counts(numSrc); bad.failed())
         return bad.status;
-    return appendAll<E>(pSrcs, srcLens, numSrc, &delim, pDst);
+    return appendAll<true, E>(pSrcs, srcLens, numSrc, delim, pDst);
 }
 
 template <class E>
