@@ -3,6 +3,7 @@
 #include "regex/match/alternatives.h"
 #include "regex/match/class_runs.h"
 #include "regex/match/first_bytes.h"
+#include "regex/match/inner_literal.h"
 
 #include "strings/substring.h"
 
@@ -250,6 +251,7 @@ void analyse(Plan& plan) {
     if (uses(plan, shortcutLeadingRun)) analyseLeadingRun(plan);
     if (uses(plan, shortcutRequiredByte)) plan.requiredByte = requiredByte(plan);
     if (uses(plan, shortcutClassRuns)) findClassRun(plan);
+    if (uses(plan, shortcutInnerLiteral)) findInnerLiteral(plan);
     if (uses(plan, shortcutVectorRuns)) findRunEnds(plan);
     if (uses(plan, shortcutAlternatives)) findAlternatives(plan);
     if (uses(plan, shortcutWidePages)) giveWidePages(plan);

@@ -5,6 +5,7 @@
 #include "regex/match/stack_room.h"
 #include "regex/match/steps.h"
 #include "regex/match/structure.h"
+#include "strings/find.h"
 #include "unicode/properties.h"
 
 #include <cstring>
@@ -484,6 +485,23 @@ const uint8_t* Machine<Nodes>::stepBack(const Node& node, const uint8_t* p, cons
     return p;
 }
 
+/// The last end of the repeat from `q` back to `lowest` where the byte that must follow stands; `lowest` when
+/// there is none. An ASCII byte is a character wherever it stands, so that a long way back is searched.
+template <class Nodes>
+const uint8_t* Machine<Nodes>::lastFollowed(const Node& node, const uint8_t* q, const uint8_t* lowest) const {
+    constexpr std::ptrdiff_t longWay = 32;
+    const bool searchable = node.item <= Item::charClass && (node.has(traitSingle) || node.follows < 0x80);
+    if (searchable && q - lowest >= longWay) {
+        const uint8_t* const behind = q < end_ ? q + 1 : end_;
+        const int32_t at =
+            lastIndexOf(lowest, static_cast<int32_t>(behind - lowest), static_cast<uint8_t>(node.follows));
+        return at < 0 ? lowest : lowest + at;
+    }
+    while (q != lowest && (q >= end_ || *q != node.follows))
+        q = stepBack(node, q, lowest);
+    return q;
+}
+
 template <class Nodes>
 auto Machine<Nodes>::greedy(Registers& r, const Node& node) -> Step {
     if (node.min > 0 && r.p >= end_) return Step::fail;
@@ -553,9 +571,7 @@ auto Machine<Nodes>::takeRunOf(Registers& r, const Node& node, const Run& run) -
     if (run.lowest == nullptr) return Step::fail;
     const uint8_t* q = run.end;
     if (q != run.lowest && !node.has(traitPossessive)) {
-        if (node.follows >= 0)
-            while (q != run.lowest && (q >= end_ || *q != node.follows))
-                q = stepBack(node, q, run.lowest);
+        if (node.follows >= 0) q = lastFollowed(node, q, run.lowest);
         if (q != run.lowest) {
             if (!hasRoom(r, 1)) return Step::full;
             *++r.top = {what(sortGreedy, r.pc), offset(q), offset(run.lowest), r.levels};
@@ -581,9 +597,7 @@ bool Machine<Nodes>::giveBack(Registers& r) {
     const uint8_t* const lowest = begin_ + record.bound;
     const uint8_t* q = stepBack(node, begin_ + record.at, lowest);
     const auto passOver = [&] {
-        if (node.follows < 0) return;
-        while (q != lowest && (q >= end_ || *q != node.follows))
-            q = stepBack(node, q, lowest);
+        if (node.follows >= 0) q = lastFollowed(node, q, lowest);
     };
     passOver();
     if constexpr (Nodes::remembers) {

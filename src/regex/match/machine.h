@@ -215,6 +215,7 @@ private:
     bool testsTrue(const Node& node, int32_t pc, const Utf8Sequence& character) const;
     const uint8_t* consumeWide(const Node& node, int32_t pc, const uint8_t* p) const;
     const uint8_t* consumeReference(const Node& node, const uint8_t* p) const;
+    const uint8_t* lastFollowed(const Node& node, const uint8_t* q, const uint8_t* lowest) const;
     TAV_HOT const uint8_t* stepBack(const Node& node, const uint8_t* p, const uint8_t* lowest) const;
     TAV_HOT bool matchesString(const Node& node, int32_t pc, const uint8_t* p) const;
     bool holds(const Node& node, const uint8_t* p) const;

@@ -45,10 +45,11 @@ enum class StartMode : uint8_t {
 
 /// Which start positions can begin a match.
 enum class StartFilter : uint8_t {
-    none,      // any
-    prefix,    // those that `prefix` accepts
-    classRun,  // those where a run of `classRun` begins that ends in front of one of `runFollows`
-    lineStart, // the subject's start, or behind a line feed
+    none,         // any
+    prefix,       // those that `prefix` accepts
+    classRun,     // those where a run of `classRun` begins that ends in front of one of `runFollows`
+    innerLiteral, // those from where a run leads to a literal
+    lineStart,    // the subject's start, or behind a line feed
 };
 
 enum class PlanState : uint8_t {
@@ -95,6 +96,9 @@ struct Plan {
     bool leadingIsBytewise; // the leading run consists of one-byte characters, whatever position it begins at
     bool isClassRun;        // the program is a run of one class: `classRun`
     int32_t classRunMinimum;
+    int32_t innerLiteral; // StartFilter::innerLiteral: the literal's node
+    int32_t innerMinimum; // the least length of the run before it
+    int32_t innerRun;     // the run's class
     RangeTable classRun;
     RangeTable runFollows; // StartFilter::classRun: what may follow the run
     Prefix prefix;

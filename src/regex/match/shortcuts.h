@@ -21,8 +21,9 @@ enum Shortcut : uint32_t {
     shortcutFailedStates = 1 << 11,   // what has failed once at a position is not tried there again
     shortcutAlternatives = 1 << 12,   // alternatives that cannot begin with the byte are not tried
     shortcutWidePages = 1 << 13,      // what a class says of characters beyond ASCII is remembered
+    shortcutInnerLiteral = 1 << 14,   // a run up to a literal begins where the literal is found
 };
 
-inline constexpr uint32_t everyShortcut = (1 << 14) - 1;
+inline constexpr uint32_t everyShortcut = (1 << 15) - 1;
 
 } // namespace tav::regex

@@ -16,6 +16,8 @@ const uint8_t* Starts::from(const uint8_t* p, const uint8_t* end) {
         return nextPrefix(p, end);
     case StartFilter::classRun:
         return nextClassRun(p, end);
+    case StartFilter::innerLiteral:
+        return innerLiteral_.next(p, end);
     case StartFilter::lineStart:
         return nextLineStart(p, end);
     case StartFilter::none:

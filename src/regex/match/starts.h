@@ -1,6 +1,7 @@
 // Where matches may begin: the start positions of a search, in order, without those that the plan rules out.
 #pragma once
 
+#include "regex/match/inner_literal.h"
 #include "regex/match/machine.h"
 #include "regex/match/position_blocks.h"
 
@@ -10,7 +11,7 @@ class Starts {
 public:
     /// `wholeCharacters`: positions advance by UTF-8 characters, otherwise by bytes.
     Starts(const Plan& plan, const Subject& subject, bool wholeCharacters)
-        : plan_(plan), subject_(subject), wholeCharacters_(wholeCharacters) {}
+        : plan_(plan), subject_(subject), wholeCharacters_(wholeCharacters), innerLiteral_(plan) {}
 
     /// The first position from `p` on, itself included, that may begin a match ending by `end`; null when
     /// none.
@@ -36,6 +37,7 @@ private:
     const Plan& plan_;
     const Subject& subject_;
     bool wholeCharacters_;
+    InnerLiteralStarts innerLiteral_;
     PositionBlock block_;                // candidates found but not yet handed out
     const uint8_t* handedOut_ = nullptr; // candidates of the block before it are gone
     const uint8_t* blockLast_ = nullptr; // the last position when the block was made
