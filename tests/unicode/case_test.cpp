@@ -72,8 +72,7 @@ int32_t expectedComparison(const Units& left, const Units& right) {
     return 0;
 }
 
-// --------------------------------------------------------------------------------------- literal
-// expectations
+// ------------------------------------------------------------------------------------- literal expectations
 
 TEST(Case, TellingUnits) {
     const struct {
@@ -248,6 +247,15 @@ TEST(CompareIgnoreCase, EveryUnitAgainstItsPartnersAndNeighbours) {
     }
 }
 
+TEST(CompareIgnoreCase, EveryTwoUnitsOfTheFirstScriptsInABlockOfTheirOwn) {
+    for (uint32_t left = 0; left < 0x180; ++left)
+        for (uint32_t right = 0; right < 0x180; ++right) {
+            const auto l = static_cast<uint16_t>(left), r = static_cast<uint16_t>(right);
+            ASSERT_EQ(compare(Units(8, l), Units(8, r)), caseReference().lower(l) - caseReference().lower(r))
+                << std::hex << left << " " << right;
+        }
+}
+
 // ------------------------------------------------------------------------------------- lengths and mixtures
 
 constexpr uint32_t seed = 19960701;
@@ -261,7 +269,7 @@ private:
     std::mt19937 engine_;
 };
 
-/// Runs of units out of the ranges that the mappings treat apart.
+/// Runs of units out of the ranges that the mappings treat apart, some of them as long as several blocks.
 Units mixture(Random& random, std::size_t size) {
     const struct {
         uint16_t first, last;
@@ -271,7 +279,7 @@ Units mixture(Random& random, std::size_t size) {
     Units text;
     while (text.size() < size) {
         const auto& range = ranges[random() % std::size(ranges)];
-        for (uint32_t run = 1 + random() % 20; run > 0; --run)
+        for (uint32_t run = 1 + random() % (random() % 8 == 0 ? 120 : 20); run > 0; --run)
             text.push_back(static_cast<uint16_t>(range.first + random() % (range.last - range.first + 1u)));
     }
     text.resize(size);
@@ -280,7 +288,7 @@ Units mixture(Random& random, std::size_t size) {
 
 template <class Map>
 void expectGuardedMapping(const Units& text, const Units& expected, Map map) {
-    static GuardedBuffer<uint16_t> sources(200), destinations(200);
+    static GuardedBuffer<uint16_t> sources(240), destinations(240);
     const std::size_t size = text.size();
     const int32_t len = length(text);
     const uint16_t* fromTail = sources.copyToTail(text.data(), size);
@@ -298,8 +306,8 @@ void expectGuardedMapping(const Units& text, const Units& expected, Map map) {
 
 TEST(Case, EveryLengthBetweenGuardPagesSeparatelyAndInPlace) {
     Random random(seed);
-    for (std::size_t size = 0; size <= 100; ++size)
-        for (int round = 0; round < 10; ++round) {
+    for (std::size_t size = 0; size <= 200; ++size)
+        for (int round = 0; round < 8; ++round) {
             const Units text = mixture(random, size);
             expectGuardedMapping(text, expectedLower(text), tavsLowercase_16u);
             expectGuardedMapping(text, expectedUpper(text), tavsUppercase_16u);
