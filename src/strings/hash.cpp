@@ -4,7 +4,8 @@
 // Times 31: the hash is a polynomial, so sixteen bytes of elements are folded into four 32-bit digits, and
 // four such rows are carried on side by side, each multiplied by a power of 31 per round.
 // Times 33 and xor: the text is measured up to its zero first; long texts of bytes are walked in eight
-// stretches side by side. Units of 16 bits have no such law; the chain stays.
+// stretches side by side, and so are units of 16 bits as far as they could be bytes. From the first greater
+// one on the chain stays.
 #include "strings/hash.h"
 
 #include "base/arguments.h"
@@ -147,22 +148,51 @@ uint32_t times33ByFour(const E* src, int64_t len, uint32_t h) {
     return h;
 }
 
+/// Takes long texts of bytes in rounds of eight stretches; the rest is the caller's. How much was taken.
+int64_t times33InStretches(const uint8_t* src, int64_t len, uint32_t& h) {
+    // The stretches stay in the nearest cache, because each is read three times.
+    constexpr int64_t round = times33::stretches * times33::granule, stretchesPay = 2 * round, most = 16384;
+    int64_t taken = 0;
+    while (len - taken >= stretchesPay) {
+        const int64_t count = std::min(len - taken, most) / round * round;
+        h = times33::overStretches(src + taken, count / times33::stretches, h);
+        taken += count;
+    }
+    return taken;
+}
+
+/// Writes units as bytes, up to the first vector of units that are not all below 256. How many were written.
+int64_t narrow(const uint16_t* src, int64_t len, uint8_t* bytes) {
+    const __m128i highBytes = _mm_set1_epi16(-0x100);
+    int64_t i = 0;
+    for (; i + 16 <= len; i += 16) {
+        const __m128i a = Vector<uint16_t>::load(src + i).raw, b = Vector<uint16_t>::load(src + i + 8).raw;
+        const Vector<uint16_t> high{_mm_and_si128(_mm_or_si128(a, b), highBytes)};
+        if (!high.equal(Vector<uint16_t>::zero()).lanes().all()) break;
+        Vector<uint8_t>{_mm_packus_epi16(a, b)}.store(bytes + i);
+    }
+    return i;
+}
+
+/// The same for units, as long as they could be bytes.
+int64_t times33InStretches(const uint16_t* src, int64_t len, uint32_t& h) {
+    constexpr int64_t most = 2048, worthNarrowing = 256;
+    if (len < worthNarrowing) return 0;
+    uint8_t bytes[most];
+    int64_t taken = 0;
+    for (int64_t more = 1; more > 0; taken += more) {
+        const int64_t count = narrow(src + taken, std::min(len - taken, most), bytes);
+        more = times33InStretches(bytes, count, h);
+    }
+    return taken;
+}
+
 /// The hash of elements none of which is zero.
 template <class E>
 uint32_t times33WithoutZero(const E* src, int64_t len) {
     uint32_t h = times33Seed;
-    if constexpr (sizeof(E) == 1) {
-        // The stretches stay in the nearest cache, because each is read three times.
-        constexpr int64_t round = times33::stretches * times33::granule, stretchesPay = 2 * round,
-                          most = 16384;
-        while (len >= stretchesPay) {
-            const int64_t count = std::min(len, most) / round * round;
-            h = times33::overStretches(src, count / times33::stretches, h);
-            src += count;
-            len -= count;
-        }
-    }
-    return times33ByFour(src, len, h);
+    const int64_t taken = times33InStretches(src, len, h);
+    return times33ByFour(src + taken, len - taken, h);
 }
 
 } // namespace

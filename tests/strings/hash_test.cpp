@@ -154,6 +154,20 @@ TYPED_TEST(HashTest, TimesThirtyThreeAgreesOnLongTextsOfEveryKindOfByte) {
     }
 }
 
+TYPED_TEST(HashTest, TimesThirtyThreeMayMeetAGreaterUnitAnywhere) {
+    using E = TypeParam;
+    Random random(37);
+    for (std::size_t count = 200; count < 5000; count += count < 700 ? 23 : 431) {
+        for (std::size_t at = 0; at < count; at += 1 + random.below(static_cast<uint32_t>(count / 8))) {
+            auto src = random.text<E>(count, 255, 1);
+            src[at] = static_cast<E>(0x101 + random.below(0xFE00));
+            if (src[at] == 0) src[at] = 0xFF;
+            ASSERT_EQ(this->value(Api<E>::hashMSCS, src), tav::plain::hashTimes33(src.data(), length(src)))
+                << count << ' ' << at;
+        }
+    }
+}
+
 TYPED_TEST(HashTest, TimesThirtyThreeTakesNothingFromBehindAZero) {
     using E = TypeParam;
     Random random(36);
