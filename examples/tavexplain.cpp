@@ -200,7 +200,7 @@ void printProgram(const Instruction* code, std::int32_t length) {
 void printHints(const tavRegExpContext& context, const Instruction* code) {
     std::puts("hints");
     if (context.lastLiteral >= 0)
-        std::printf("  every match ends in %s: the subject counts up to its last occurrence\n",
+        std::printf("  %s is required: the subject counts up to its last occurrence\n",
                     item(code[context.lastLiteral]).c_str());
     else
         std::puts(context.lastLiteral == -1 ? "  no literal is required at the end"
