@@ -856,8 +856,8 @@ typedef struct tavRegExpMultiFindResult {
  *   InLatin1Supplement, and \p{InCJKUnifiedIdeographs} is InCJKUnifiedIdeographsExtensionA, which precedes
  *   its namesake (write [\x{4E00}-\x{9FFF}] for that one).
  * - A class of one character becomes that character: one of U+0080 to U+00FF then matches its byte value.
- * - When the last of several alternatives outside groups has a quantifier before its final literal, that literal
- *   is required for the others too: "a|b*c" is not found in "a". "(?:a|b*c)" is.
+ * - When the last of several alternatives outside groups has a quantifier before its final literal, that
+ *   literal is required for the others too: "a|b*c" is not found in "a". "(?:a|b*c)" is.
  */
 
 /**
