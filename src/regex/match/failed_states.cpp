@@ -45,10 +45,11 @@ Node openingAt(const Plan& plan, int32_t pc) {
     return decode(plan.program, pc, {plan.program.options, noNode, false});
 }
 
-/// Iterations behind this one differ from it in nothing that can still be told.
-int32_t countedUpTo(const Node& loop) {
-    if (loop.max < unboundedRepeat) return loop.max;
-    return loop.min > 1 ? loop.min : 0; // inside "+" the count is never below the minimum
+/// Iterations behind this one differ from it in nothing that can still be told. Every iteration has cost a
+/// level, so there are no more than the limit allows.
+int32_t countedUpTo(const Node& loop, int32_t matchLimit) {
+    if (loop.max < unboundedRepeat) return std::min(loop.max, matchLimit);
+    return loop.min > 1 ? std::min(loop.min, matchLimit) : 0; // inside "+" the minimum is always reached
 }
 
 } // namespace
@@ -70,6 +71,7 @@ FailedStates& FailedStates::create(const Plan& plan, int64_t positions, int32_t 
 void FailedStates::prepare(const Plan& plan, int64_t positions, int32_t matchLimit) {
     const auto length = static_cast<std::size_t>(plan.program.length);
     levelsOnlyHelp_ = plan.levelsOnlyHelp;
+    matchLimit_ = matchLimit;
     while (matchLimit >> levelShift_ >= UINT16_MAX)
         ++levelShift_;
     contextBits_ = keyBits - static_cast<int>(std::bit_width(length + 1));
@@ -123,7 +125,7 @@ void FailedStates::enter(const Plan& plan, int32_t pc, uint16_t& current) {
     if (!isBody(node.kind)) {
         loop.outer = outer.depth == 0 ? uint16_t{0} : current;
         loop.depth = static_cast<uint16_t>(outer.depth + 1);
-        loop.counted = countedUpTo(node);
+        loop.counted = countedUpTo(node, std::max(matchLimit_, 0));
         const uint64_t contexts =
             static_cast<uint64_t>(outer.contexts) * (static_cast<uint64_t>(loop.counted) + 1);
         const bool fits = contexts * (loop.depth + 1u) < uint64_t{1} << contextBits_;
@@ -183,6 +185,17 @@ int32_t FailedStates::lastUnknown(uint64_t state, int32_t at, int32_t floor) con
         at = (at & ~63) - 1;
     }
     return floor - 1;
+}
+
+int32_t FailedStates::firstUnknown(uint64_t state, int32_t at, int32_t ceiling) const {
+    while (at < ceiling) {
+        const Line* const line = find(bitsKey(state, at));
+        if (line == nullptr) return at;
+        const uint64_t unknown = ~line->failed >> (at & 63);
+        if (unknown != 0) return std::min(at + std::countr_zero(unknown), ceiling);
+        at = (at | 63) + 1;
+    }
+    return ceiling;
 }
 
 void FailedStates::add(uint64_t state, int32_t at, int32_t levels, bool touched) {

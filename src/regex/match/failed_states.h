@@ -65,6 +65,9 @@ public:
     /// floor - 1 when there is none.
     int32_t lastUnknown(uint64_t state, int32_t at, int32_t floor) const;
 
+    /// The first one from `at` on below `ceiling`; `ceiling` when there is none.
+    int32_t firstUnknown(uint64_t state, int32_t at, int32_t ceiling) const;
+
     /// May what fails in the loops be looked for from the end back to `start`? Later starts may ask again,
     /// for the memory forgets, but not so often that it takes more than its share of the time.
     bool mayLearn(int32_t start) const { return lessons_ < mostLessons && start >= nextLesson_; }
@@ -120,6 +123,7 @@ private:
     Loop* loops_ = nullptr;
     uint16_t loopCount_ = 0;
     int contextBits_ = 0;
+    int32_t matchLimit_ = 0;
     bool levelsOnlyHelp_ = true;
     bool hasLevels_ = false; // some line tells of levels
     int levelShift_ = 0;     // levels are kept in units of a power of two, so that they fit into 16 bits

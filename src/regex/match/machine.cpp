@@ -640,6 +640,12 @@ auto Machine<Nodes>::advanceLazily(Registers& r, const Node& node, int32_t pc, i
         if (q == nullptr || q == p) return Step::fail;
         p = q;
         --left;
+        if constexpr (Nodes::remembers) {
+            if (node.follows >= 0) continue;
+            const uint8_t* const further = skipFailedAhead(node, pc, p, left);
+            left -= static_cast<int32_t>(further - p);
+            p = further;
+        }
     }
     if (left > 0 && p < end_) *++r.top = {what(sortLazy, pc), offset(p), left, r.levels};
     if (!mayEndAt(p, node.next)) return Step::fail;
@@ -1077,6 +1083,29 @@ const uint8_t* Machine<Nodes>::skipFailed(const Node& node, int32_t pc, const ui
                 p = stepBack(node, p, lowest);
         }
         return p < lowest ? lowest : p;
+    }
+    return p;
+}
+
+/// The same forwards for a lazy repeat, as far as it takes characters of one byte; at most `most` of them.
+template <class Nodes>
+const uint8_t* Machine<Nodes>::skipFailedAhead(const Node& node, int32_t pc, const uint8_t* p,
+                                               int32_t most) const {
+    if constexpr (Nodes::remembers) {
+        if (node.item != Item::anyByte && node.item != Item::byte && node.item != Item::charClass) return p;
+        const uint8_t* const stop = most < end_ - p ? p + most : end_;
+        const uint64_t state = p < stop ? stateOf(pc, offset(p)) : FailedStates::noState;
+        if (state == FailedStates::noState) return p;
+        const uint8_t* const target = begin_ + nodes_.failed->firstUnknown(state, offset(p), offset(stop));
+        if (node.item == Item::anyByte) return target;
+        if (node.item == Item::byte) {
+            while (p < target && *p == node.byte)
+                ++p;
+            return p;
+        }
+        const uint8_t* const table = plan_.ascii[node.index / 8];
+        while (p < target && *p < 0x80 && (table[*p] & node.mask))
+            ++p;
     }
     return p;
 }

@@ -200,6 +200,7 @@ private:
     uint64_t stateOf(int32_t pc, int32_t at) const;
     TAV_HOT void runOutOfLevels(const Registers& r);
     TAV_HOT bool isTired();
+    const uint8_t* skipFailedAhead(const Node& node, int32_t pc, const uint8_t* p, int32_t most) const;
     const uint8_t* skipFailed(const Node& node, int32_t pc, const uint8_t* p, const uint8_t* lowest) const;
 
     TAV_HOT void restoreSlot(const Record& record);
