@@ -23,7 +23,6 @@ inline constexpr int32_t analysisPays = 256;
 class LowValues {
 public:
     void add(uint8_t value) { words_[value / 64] |= uint64_t{1} << (value % 64); }
-    bool has(uint8_t value) const { return (words_[value / 64] >> (value % 64) & 1) != 0; }
 
     /// The first value from `from` on that is in the set (or is not); 256 when there is none.
     int32_t next(int32_t from, bool member) const {

@@ -101,8 +101,16 @@ TYPED_TEST(LatinCaseTest, EveryLengthAndPlaceAgreesWithTheRuleInPlaceToo) {
 
 TYPED_TEST(LatinCaseTest, OverlappingBuffersKeepTheElementOrder) {
     using E = TypeParam;
-    std::string expected = "A" + std::string(40, 'a');
+    std::string expected(41, 'a');
+    expected[0] = 'A';
     auto buffer = text<E>(std::string(1, 'A') + std::string(40, 'Z'));
     EXPECT_EQ(Api<E>::lowercaseLatin(buffer.data(), buffer.data() + 1, 40), tavStsNoError);
     EXPECT_EQ(shown(buffer.data(), 41), expected);
+    buffer = text<E>(std::string(1, 'z') + std::string(40, 'Q'));
+    EXPECT_EQ(Api<E>::uppercaseLatin(buffer.data(), buffer.data() + 1, 40), tavStsNoError);
+    expected.assign(41, 'Z')[0] = 'z';
+    EXPECT_EQ(shown(buffer.data(), 41), expected);
+    buffer = text<E>(std::string(1, '{') + std::string(40, 'a'));
+    EXPECT_EQ(Api<E>::uppercaseLatin(buffer.data(), buffer.data() + 1, 40), tavStsNoError);
+    EXPECT_EQ(shown(buffer.data(), 41), std::string(41, '{'));
 }

@@ -77,6 +77,11 @@ bool byteMemberMatches(const Instruction& item, const Utf8Sequence& character, b
     return caseless && isAsciiLetter(wanted) && (wanted ^ character.value) == 0x20;
 }
 
+bool typeItemMatches(int32_t letter, const Utf8Sequence& character, uint32_t options) {
+    const auto lead = static_cast<uint8_t>(character.length == 1 ? character.value : 0xFF);
+    return typeMatches(letter, lead, (options & optionDotAll) != 0);
+}
+
 bool memberMatches(const Instruction& item, const Utf8Sequence& character, uint32_t options) {
     const bool caseless = (options & optionCaseless) != 0;
     switch (item.op) {
@@ -84,11 +89,8 @@ bool memberMatches(const Instruction& item, const Utf8Sequence& character, uint3
         return byteMemberMatches(item, character, caseless);
     case OP_RANGE:
         return rangeMatches(item, character, caseless);
-    case OP_TYPE: {
-        const bool complement = item.c == -1 && item.a == 'W'; // "W" counts as "w" in a negated item
-        const auto lead = static_cast<uint8_t>(character.length == 1 ? character.value : 0xFF);
-        return typeMatches(complement ? 'w' : item.a, lead, (options & optionDotAll) != 0);
-    }
+    case OP_TYPE: // "W" counts as "w" in a negated item
+        return typeItemMatches(item.c == -1 && item.a == 'W' ? 'w' : item.a, character, options);
     default:
         return !character.malformed && itemMatches(item, character, options);
     }
@@ -98,10 +100,8 @@ bool memberMatches(const Instruction& item, const Utf8Sequence& character, uint3
 
 bool itemMatches(const Instruction& item, const Utf8Sequence& character, uint32_t options) {
     switch (item.op) {
-    case OP_TYPE: {
-        const auto lead = static_cast<uint8_t>(character.length == 1 ? character.value : 0xFF);
-        return typeMatches(item.a, lead, (options & optionDotAll) != 0);
-    }
+    case OP_TYPE:
+        return typeItemMatches(item.a, character, options);
     case OP_UCHAR:
         return !character.malformed && characterMatches(static_cast<uint32_t>(item.a), character.value,
                                                         (options & optionCaseless) != 0);

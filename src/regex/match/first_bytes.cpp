@@ -126,7 +126,7 @@ private:
         case Kind::matchEnd:
         case Kind::alternativeEnd:
             first_.canBeEmpty = true;
-            return noNode;
+            break;
         }
         return noNode;
     }
