@@ -612,6 +612,8 @@ Position convertNear(Position at, Position end) {
             // What a wrong step stores too far is overwritten: four bytes from such a lead on become two
             // units or more, whatever they are.
             at = behindStep<FourByteRun>(at, FourByteRun::convert<bigEndian>(at));
+        } else {
+            at = convertExactly<bigEndian, 4>(at, block, nonAscii, 16);
         }
         if (at.source == start.source) return at;
     }
