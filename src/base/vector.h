@@ -123,6 +123,15 @@ struct Vector {
     /// All ones in the lanes that are at most the other's, as unsigned numbers.
     Vector atMost(Vector other) const { return minusSaturated(other).equal(zero()); }
 
+    /// All ones in the lanes that are greater than the other's, as signed numbers.
+    Vector greaterSigned(Vector other) const {
+        if constexpr (isByte) {
+            return {_mm_cmpgt_epi8(raw, other.raw)};
+        } else {
+            return {_mm_cmpgt_epi16(raw, other.raw)};
+        }
+    }
+
     /// The lanes of a comparison's result.
     LaneMask<E> lanes() const { return {static_cast<uint32_t>(_mm_movemask_epi8(raw))}; }
 };
@@ -138,6 +147,22 @@ struct VectorRange {
 
     /// All ones in the lanes whose value lies in the range.
     Vector<E> contains(Vector<E> values) const { return (values - first).atMost(span); }
+};
+
+/// The same for a range that is not all values: moved to the lowest signed numbers it takes one comparison.
+template <class E>
+struct PartialRange {
+    Vector<E> shift;
+    Vector<E> behind;
+
+    PartialRange(E from, E to)
+        : shift(Vector<E>::splat(static_cast<E>(lowest - from))),
+          behind(Vector<E>::splat(static_cast<E>(lowest + (to - from) + 1))) {}
+
+    Vector<E> contains(Vector<E> values) const { return behind.greaterSigned(values + shift); }
+
+private:
+    static constexpr int lowest = 1 << (8 * sizeof(E) - 1);
 };
 
 } // namespace tav

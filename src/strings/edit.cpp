@@ -188,15 +188,16 @@ TAV_FLATTEN tavStatus replace(const E* pSrc, E* pDst, int32_t len, E oldVal, E n
     if (const auto bad = Arguments::pointers(pSrc, pDst).lengths(len); bad.failed()) return bad.status;
     struct Change {
         E oldValue, newValue;
-        Vector<E> oldValues, newValues;
+        Vector<E> oldValues, difference;
 
         E operator()(E value) const { return value == oldValue ? newValue : value; }
         Vector<E> operator()(Vector<E> values) const {
-            const Vector<E> hits = values.equal(oldValues);
-            return values.without(hits) | (newValues & hits);
+            return values ^ (values.equal(oldValues) & difference);
         }
     };
-    transform(pSrc, pDst, len, Change{oldVal, newVal, Vector<E>::splat(oldVal), Vector<E>::splat(newVal)});
+    const auto difference = static_cast<E>(oldVal ^ newVal);
+    transform(pSrc, pDst, len,
+              Change{oldVal, newVal, Vector<E>::splat(oldVal), Vector<E>::splat(difference)});
     return tavStsNoError;
 }
 

@@ -103,10 +103,10 @@ struct FewValues {
 /// How many elements from the first on are each one more than the one before.
 template <class E>
 [[gnu::noinline]] int32_t ascendingRun(const E* set, int32_t lenSet) {
-    constexpr int32_t values = 1 << (8 * sizeof(E)); // a run may go on from the greatest value to 0, but once
+    constexpr int32_t values = 1 << (8 * sizeof(E)); // a run may go on from the greatest value to 0
     const auto one = Vector<E>::splat(1);
     const auto ascends = [=](auto block) { return block.load(set + 1).equal(block.load(set) + one); };
-    const int32_t most = std::min(lenSet, values);
+    const int32_t most = std::min(lenSet, values - 1); // all values would be no PartialRange
     const auto end = static_cast<int32_t>(scanForward<Seek::miss, E>(most - 1, ascends));
     return end < 0 ? most : end + 1;
 }
@@ -131,7 +131,7 @@ public:
     int32_t count() const { return count_; }
 
     /// The ranges of the runs; the first one again where there are fewer.
-    VectorRange<E> range(int32_t i) const {
+    PartialRange<E> range(int32_t i) const {
         const auto& [from, to] = ranges_[static_cast<std::size_t>(i < count_ ? i : 0)];
         return {from, to};
     }
@@ -144,18 +144,18 @@ private:
 
 template <Way way, Seek seek, class E>
 int64_t scanRuns(const E* src, int64_t count, const Runs<E>& runs) {
-    const VectorRange<E> a = runs.range(0);
+    const PartialRange<E> a = runs.range(0);
     if (runs.count() == 1) {
         return scan<way, seek, E>(count, [=](auto block) { return a.contains(block.load(src)); });
     }
-    const VectorRange<E> b = runs.range(1);
+    const PartialRange<E> b = runs.range(1);
     if (runs.count() == 2) {
         return scan<way, seek, E>(count, [=](auto block) {
             const Vector<E> values = block.load(src);
             return a.contains(values) | b.contains(values);
         });
     }
-    const VectorRange<E> c = runs.range(2), d = runs.range(3);
+    const PartialRange<E> c = runs.range(2), d = runs.range(3);
     return scan<way, seek, E>(count, [=](auto block) {
         const Vector<E> values = block.load(src);
         return (a.contains(values) | b.contains(values)) | (c.contains(values) | d.contains(values));

@@ -20,7 +20,7 @@ constexpr E toUpper(E value) {
 /// The same for every lane. Lower and upper case differ in one bit, so the change is an exclusive or.
 template <class E>
 Vector<E> toggle(Vector<E> values, E first, E last) {
-    return values ^ (VectorRange<E>(first, last).contains(values) & Vector<E>::splat(caseDistance));
+    return values ^ (PartialRange<E>(first, last).contains(values) & Vector<E>::splat(caseDistance));
 }
 template <class E>
 Vector<E> toLower(Vector<E> values) {

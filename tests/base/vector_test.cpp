@@ -88,6 +88,20 @@ TYPED_TEST(VectorTest, ARangeContainsItsTwoEndsAndNothingOutside) {
     }
 }
 
+TYPED_TEST(VectorTest, APartialRangeMayGoOnFromTheGreatestValue) {
+    using E = TypeParam;
+    using V = tav::Vector<E>;
+    for (int round = 0; round < 400; ++round) {
+        const E from = this->element(), to = this->element();
+        if (static_cast<E>(to + 1) == from) continue; // all values
+        const tav::PartialRange<E> range(from, to);
+        this->holdsForEveryLane(
+            [&](V a, V) { return range.contains(a); },
+            [&](E a, E) { return truth<E>(static_cast<E>(a - from) <= static_cast<E>(to - from)); });
+        if (this->HasFatalFailure()) return;
+    }
+}
+
 TYPED_TEST(VectorTest, AMaskNamesItsLanes) {
     using E = TypeParam;
     using V = tav::Vector<E>;
