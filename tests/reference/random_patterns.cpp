@@ -280,11 +280,13 @@ private:
         --left_;
         if (left_ <= 0 || depth > 3 || random_.oneIn(3)) return item() + (random_.oneIn(2) ? repeat() : "");
         const char* const opener =
-            random_.oneIn(4)
-                ? random_.pick(std::vector<const char*>{"(?=", "(?>", "(?!", "(?<=a|", "(?=", "(?i:"})
-                : random_.pick(std::vector<const char*>{"(", "(?:"});
+            random_.oneIn(4) ? random_.pick(std::vector<const char*>{"(?=", "(?>", "(?!", "(?<=a|",
+                                                                     "(?=", "(?i:", "(?(?=a)", "(?(?!a+b)"})
+                             : random_.pick(std::vector<const char*>{"(", "(?:"});
         const bool fixed = opener[1] == '?' && opener[2] == '<';
-        const std::string body = fixed ? "b" : alternatives(depth + 1);
+        const bool branches = opener[1] == '?' && opener[2] == '(';
+        std::string body = fixed ? "b" : branches ? sequence(depth + 1) : alternatives(depth + 1);
+        if (branches && random_.oneIn(2)) body = join({body, "|", sequence(depth + 1)});
         return join({opener, body, ")", random_.oneIn(4) ? "" : repeat()});
     }
 

@@ -5,12 +5,13 @@
 // on its state alone: the choice it stands behind, the position, and of each loop around it the number of the
 // iteration, as far as the loop's bounds count it, and whether the iteration has consumed anything. A state
 // that has failed once fails every time, so it is remembered and left out. Groups' texts are no part of a
-// state: programs that read them, by back-references or conditions, have no such memory.
+// state: programs that read them, by back-references or conditions on groups, have no such memory.
 //
 // Levels. A failure in which no path ran out of levels (untouched by the limit) would be the same with more
 // of them. With fewer of them it would be the same too, if fewer levels can only take matches away, which
 // holds unless something in the program succeeds by failing or takes its first success for good (negative
-// lookaround, atomic groups). So there are three ways to remember a failure with a number of levels:
+// lookaround, conditions, atomic groups). So there are three ways to remember a failure with a number of
+// levels:
 //
 //     untouched, levels only help     the state fails with any number
 //     touched, levels only help       it fails with as many or fewer

@@ -139,12 +139,14 @@ void takeFurtherTables(Plan& plan, Area& area) {
 void prepareMemory(Plan& plan) {
     const Program& program = plan.program;
     plan.choices = 0;
-    for (int32_t pc = 0; pc < program.length; ++pc)
-        if (isQuantifier(program.code[pc].op) || program.code[pc].op == OP_ALT_END) ++plan.choices;
-    plan.remembersFailures = uses(plan, shortcutFailedStates) && plan.choices > 1 &&
-                             !hasOperation(program, OP_BACKREF) && !hasOperation(program, OP_COND);
-    plan.levelsOnlyHelp = !hasOperation(program, OP_NLOOKAHEAD) && !hasOperation(program, OP_NLOOKBEHIND) &&
-                          !hasOperation(program, OP_ATOMIC);
+    plan.levelsOnlyHelp = true;
+    for (int32_t pc = 0; pc < program.length; ++pc) {
+        const uint32_t op = program.code[pc].op;
+        if (isQuantifier(op) || op == OP_ALT_END) ++plan.choices;
+        if (op == OP_NLOOKAHEAD || op == OP_NLOOKBEHIND || op == OP_ATOMIC || op == OP_COND)
+            plan.levelsOnlyHelp = false;
+    }
+    plan.remembersFailures = uses(plan, shortcutFailedStates) && plan.choices > 1 && !plan.hasBackReferences;
     constexpr int32_t usualPatience = 64;
     plan.patience = usualPatience;
 }
