@@ -264,19 +264,6 @@ int32_t trim(const E* src, int32_t len, E odd, E* dst) {
 }
 
 template <class E>
-int32_t trimInPlace(E* text, int32_t len, E odd) {
-    int32_t first = 0;
-    while (first < len && text[first] == odd) {
-        ++first;
-    }
-    while (len > first && text[len - 1] == odd) {
-        --len;
-    }
-    if (first > 0) move(text + first, text, len - first);
-    return len - first;
-}
-
-template <class E>
 int32_t trimAny(const E* src, int32_t len, const E* set, int32_t lenSet, E* dst) {
     int32_t first = 0;
     while (first < len && find(set, lenSet, src[first]) >= 0) {
@@ -342,7 +329,6 @@ uint32_t hashTimes33(const E* src, int32_t len) {
     template void lowercase(const E*, E*, int32_t);                                                          \
     template void uppercase(const E*, E*, int32_t);                                                          \
     template int32_t trim(const E*, int32_t, E, E*);                                                         \
-    template int32_t trimInPlace(E*, int32_t, E);                                                            \
     template int32_t trimAny(const E*, int32_t, const E*, int32_t, E*);                                      \
     template uint32_t hashShiftXor(const E*, int32_t);                                                       \
     template uint32_t hashTimes31(const E*, int32_t);                                                        \

@@ -67,8 +67,6 @@ void uppercase(const E* src, E* dst, int32_t len);
 template <class E>
 int32_t trim(const E* src, int32_t len, E odd, E* dst);
 template <class E>
-int32_t trimInPlace(E* text, int32_t len, E odd);
-template <class E>
 int32_t trimAny(const E* src, int32_t len, const E* set, int32_t lenSet, E* dst);
 
 template <class E>

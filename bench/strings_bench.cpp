@@ -240,7 +240,6 @@ struct Api;
         static constexpr auto lowercase = tavsLowercaseLatin_##S;                                            \
         static constexpr auto uppercase = tavsUppercaseLatin_##S;                                            \
         static constexpr auto trim = tavsTrimC_##S;                                                          \
-        static constexpr auto trimInPlace = tavsTrimC_##S##_I;                                               \
         static constexpr auto trimAny = tavsTrimCAny_##S;                                                    \
         static constexpr auto hash = tavsHash_##S##32u;                                                      \
         static constexpr auto hashSJ2 = tavsHashSJ2_##S##32u;                                                \
