@@ -326,12 +326,17 @@ struct Forms {
         return to;
     }
 
-    /// Stores all, none of which is empty, and nothing behind them.
-    uint8_t* storeExactly(uint8_t* to) const {
-        to = store(to, 5); // three bytes follow at least
-        for (int i = 5; i < 8; ++i) {
-            for (const int byte : {0, lengths[i] / 2, lengths[i] - 1})
-                storeBytes<uint8_t>(to + byte, forms[i] >> (8 * byte));
+    /// Stores the first `count` (7 or 8) and nothing behind them.
+    uint8_t* storeExactly(uint8_t* to, int count) const {
+        to = store(to, count - 3); // three bytes follow at least, four behind an empty form
+        for (int i = count - 3; i < count; ++i) {
+            if (lengths[i] == 0) continue;
+            if (lengths[i] == 4) {
+                std::memcpy(to, &forms[i], 4);
+            } else {
+                for (const int byte : {0, lengths[i] / 2, lengths[i] - 1})
+                    storeBytes<uint8_t>(to + byte, forms[i] >> (8 * byte));
+            }
             to += lengths[i];
         }
         return to;
@@ -512,18 +517,24 @@ Position convertNear(Position at, Position end) {
             const ShortForms forms = encodeUpToTwoBytes(block);
             forms.storeExactly(at.out, 0);
             at = {at.source + 8, at.out + forms.firstSize + forms.secondSize};
-        } else if (surrogatesOf(block).lanes().any()) {
-            if (!surrogatesOf(block).lanes().all()) return at;
-            // What a wrong step stores too far is overwritten: two surrogates become four bytes or more.
-            const Position start = at;
-            at = behindStep<PairRun>(at, PairRun::convert<bigEndian>(at));
-            if (at.source == start.source) return at;
+        } else if (const auto surrogates = surrogatesOf(block).lanes(); surrogates.any()) {
+            if (surrogates.all()) {
+                // What a wrong step stores too far is overwritten: two surrogates become four bytes or more.
+                const uint32_t right = PairRun::convert<bigEndian>(at);
+                at = behindStep<PairRun>(at, right);
+                if (right == 0xFFFF) continue;
+                if (!has(at, end, 8, 24)) break;
+            }
+            const int count = 8 - isHighSurrogate(readUnit<bigEndian>(at.source + 7)); // its partner may come
+            const UnitForms forms = encodeWithPairs(loadUnits<bigEndian>(at.source));
+            at = {at.source + count,
+                  Forms(forms.fronts, forms.backs, forms.sizes).storeExactly(at.out, count)};
         } else if (!shorter.any()) {
             storeThreeBytes(at.out, block);
             at = {at.source + 8, at.out + 24};
         } else {
             const UnitForms forms = encodeAlone(block);
-            at = {at.source + 8, Forms(forms.fronts, forms.backs, forms.sizes).storeExactly(at.out)};
+            at = {at.source + 8, Forms(forms.fronts, forms.backs, forms.sizes).storeExactly(at.out, 8)};
         }
     }
     return at;
