@@ -19,8 +19,8 @@ int32_t commonnessBetween(int32_t from, int32_t to) {
 /// All ranges of a set, in order.
 struct AllRanges {
     int32_t count = 0;
-    uint8_t first[128];
-    uint8_t last[128];
+    uint8_t first[128] = {};
+    uint8_t last[128] = {};
 
     explicit AllRanges(const ByteSet& set) {
         for (int32_t byte = set.next(0, true); byte < 256;) {

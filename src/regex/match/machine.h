@@ -73,6 +73,8 @@ template <class Nodes>
 class Remembering : public Nodes {
 public:
     using Nodes::Nodes;
+    // It hides that of the nodes without a memory on purpose.
+    // cppcheck-suppress duplInheritedMember
     static constexpr bool remembers = true;
     FailedStates* failed = nullptr;
     std::ptrdiff_t touched = 0; // the choices up to this one have seen a path run out of levels
