@@ -174,9 +174,10 @@ int64_t narrow(const uint16_t* src, int64_t len, uint8_t* bytes) {
     return i;
 }
 
-/// The same for units, as long as they could be bytes.
+/// The same for units, as long as they could be bytes. The few bytes at a time keep the frame within the 1
+/// KiB of stack that a string function may take.
 int64_t times33InStretches(const uint16_t* src, int64_t len, uint32_t& h) {
-    constexpr int64_t most = 2048, worthNarrowing = 256;
+    constexpr int64_t most = 512, worthNarrowing = 256;
     if (len < worthNarrowing) return 0;
     uint8_t bytes[most];
     int64_t taken = 0;
