@@ -15,7 +15,8 @@ namespace copying {
 /// Copies one to two words of elements by their first and their last word.
 template <class Word, class E>
 void moveEnds(const E* source, E* destination, int32_t count) {
-    const int32_t tailAt = count - static_cast<int32_t>(sizeof(Word) / sizeof(E));
+    constexpr int32_t wordBytes = sizeof(Word), elementBytes = sizeof(E);
+    const int32_t tailAt = count - wordBytes / elementBytes;
     Word head, tail;
     std::memcpy(&head, source, sizeof head);
     std::memcpy(&tail, source + tailAt, sizeof tail);

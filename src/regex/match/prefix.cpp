@@ -242,8 +242,8 @@ struct PairByte {
 
 PairByte pairByteOf(const ByteSet& bytes) {
     const ByteRanges ranges = ByteRanges::covering(bytes, 2);
-    const uint8_t last = ranges.last[ranges.count - 1];
     if (!ranges.exact || ranges.count == 0) return {false, 0, 0};
+    const uint8_t last = ranges.last[ranges.count - 1];
     if (ranges.isOneValue()) return {true, last, 0};
     const bool isLetter = ranges.count == 2 && ranges.first[0] == ranges.last[0] && ranges.first[1] == last &&
                           (ranges.first[0] ^ last) == 0x20 && isAsciiLetter(last);
