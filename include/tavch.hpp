@@ -112,6 +112,9 @@ namespace detail {
 
 inline constexpr std::size_t maxLength = INT32_MAX;
 
+/// What an object says of itself after its value was moved elsewhere.
+inline constexpr Error movedFrom = {tavStsBadContext, 0};
+
 template <class T>
 constexpr std::int32_t length(const T& text) noexcept {
     return static_cast<std::int32_t>(text.size());
@@ -264,6 +267,20 @@ public:
     Iterator end() const noexcept { return {*this, count_}; }
     const Error& error() const noexcept { return error_; }
 
+    Matches(Matches&& other) noexcept
+        : entries_(std::move(other.entries_)), capacity_(std::exchange(other.capacity_, 0)),
+          count_(std::exchange(other.count_, 0)), perMatch_(other.perMatch_),
+          subjectStart_(other.subjectStart_), error_(other.error_) {}
+    Matches& operator=(Matches&& other) noexcept {
+        entries_ = std::move(other.entries_);
+        capacity_ = std::exchange(other.capacity_, 0);
+        count_ = std::exchange(other.count_, 0);
+        perMatch_ = other.perMatch_;
+        subjectStart_ = other.subjectStart_;
+        error_ = other.error_;
+        return *this;
+    }
+
 private:
     friend class Pattern;
     Matches() = default;
@@ -306,6 +323,14 @@ public:
         copy[text.size()] = '\0';
         error_.status = tavsRegExpReplaceInit(copy, items());
         if (error_) error_.offset = faultIn(text);
+    }
+
+    Template(Template&& other) noexcept
+        : block_(std::move(other.block_)), error_(std::exchange(other.error_, detail::movedFrom)) {}
+    Template& operator=(Template&& other) noexcept {
+        block_ = std::move(other.block_);
+        error_ = std::exchange(other.error_, detail::movedFrom);
+        return *this;
     }
 
     explicit operator bool() const noexcept { return !error_; }
@@ -382,11 +407,11 @@ public:
 
     Pattern(Pattern&& other) noexcept
         : owned_(std::move(other.owned_)), context_(std::exchange(other.context_, nullptr)),
-          error_(std::exchange(other.error_, movedFrom)) {}
+          error_(std::exchange(other.error_, detail::movedFrom)) {}
     Pattern& operator=(Pattern&& other) noexcept {
         owned_ = std::move(other.owned_);
         context_ = std::exchange(other.context_, nullptr);
-        error_ = std::exchange(other.error_, movedFrom);
+        error_ = std::exchange(other.error_, detail::movedFrom);
         return *this;
     }
 
@@ -460,7 +485,6 @@ public:
     }
 
 private:
-    static constexpr Error movedFrom = {tavStsBadContext, 0};
     static constexpr std::uint32_t globalBit = 16;
 
     /// Sets the option "g" for the length of a call.
@@ -629,6 +653,20 @@ public:
         error_.status = tavsRegExpMultiInit(context(), capacity);
         results_.resize(capacity);
         finds_.resize(capacity * static_cast<std::size_t>(perPattern_));
+    }
+
+    // Not copied: the set's block points into itself.
+    PatternSet(PatternSet&& other) noexcept
+        : perPattern_(other.perPattern_), block_(std::move(other.block_)),
+          results_(std::move(other.results_)), finds_(std::move(other.finds_)),
+          error_(std::exchange(other.error_, detail::movedFrom)) {}
+    PatternSet& operator=(PatternSet&& other) noexcept {
+        perPattern_ = other.perPattern_;
+        block_ = std::move(other.block_);
+        results_ = std::move(other.results_);
+        finds_ = std::move(other.finds_);
+        error_ = std::exchange(other.error_, detail::movedFrom);
+        return *this;
     }
 
     explicit operator bool() const noexcept { return !error_; }

@@ -208,6 +208,14 @@ def _bytes(text: Text) -> bytes:
     return text.encode("utf-8", "surrogatepass") if isinstance(text, str) else bytes(text)
 
 
+def _text(data: bytes) -> str:
+    """The text of UTF-8 bytes, of which a match may have cut characters; lone surrogates come back as they were."""
+    try:
+        return data.decode("utf-8", "surrogatepass")
+    except UnicodeDecodeError:
+        return data.decode("utf-8", "surrogateescape")
+
+
 def _zero_terminated(text: Text) -> bytes:
     data = _bytes(text)
     zero = data.find(0)
@@ -232,7 +240,7 @@ class Match:
         if start < 0:
             return None
         found = self._data[start:end]
-        return found.decode("utf-8", "surrogateescape") if self._is_text else found
+        return _text(found) if self._is_text else found
 
     def groups(self) -> Tuple[Optional[Text], ...]:
         return tuple(self[i] for i in range(1, len(self)))
@@ -251,7 +259,7 @@ class Match:
     def _position(self, byte: int) -> int:
         if byte < 0 or not self._is_text:
             return byte
-        return len(self._data[:byte].decode("utf-8", "surrogateescape"))
+        return len(_text(self._data[:byte]))
 
     def __repr__(self) -> str:
         return f"<tavch.Match {self.span()} {self[0]!r}>"
@@ -338,10 +346,11 @@ class Pattern:
         items = (c_uint64 * ((size.value + 7) // 8))()
         _check(library.tavsRegExpReplaceInit(text, items))
         result = self._replace(data, items, count) if data else self._replace_in_empty(items)
-        return result.decode("utf-8", "surrogateescape") if isinstance(subject, str) else result
+        return _text(result) if isinstance(subject, str) else result
 
     def _replace(self, data: bytes, items: "ctypes.Array[c_uint64]", limit: int) -> bytes:
-        room = (limit if limit > 0 else 16) * self.result_count
+        # There is at most one match at each position and one behind the last.
+        room = (min(limit, len(data) + 1) if limit > 0 else 16) * self.result_count
         capacity = len(data) + len(data) // 4 + 64
         while True:
             found, results = (_Result * room)(), c_int32(room)
@@ -387,16 +396,16 @@ class PatternSet:
         self._block = (c_uint64 * ((size.value + 7) // 8))()
         _check(library.tavsRegExpMultiInit(self._block, capacity))
         self._capacity = capacity
-        self._members: List[Tuple[int, Pattern]] = []
+        self._slots: List[Optional[Tuple[int, Pattern]]] = [None] * capacity  # keeps the patterns in memory
 
     def add(self, pattern: Pattern, identifier: int) -> None:
         _check(library.tavsRegExpMultiAdd(pattern._block, identifier, self._block))
-        self._members.append((identifier, pattern))
+        self._slots[self._slots.index(None)] = (identifier, pattern)
 
     def remove(self, identifier: int) -> None:
         _check(library.tavsRegExpMultiDelete(identifier, self._block))
-        index = next(i for i, member in enumerate(self._members) if member[0] == identifier)
-        self._members.pop(index)
+        slot = next(i for i, member in enumerate(self._slots) if member is not None and member[0] == identifier)
+        self._slots[slot] = None
 
     def find(self, subject: Text) -> Dict[int, Match]:
         """The identifiers of the patterns that match, with the first match of each (its groups are not kept)."""
@@ -425,7 +434,7 @@ def _search(name: str, text: Text, sought: Text) -> int:
     _check(getattr(library, name)(data, len(data), part, len(part), byref(at)))
     if at.value < 0 or not isinstance(text, str):
         return at.value
-    return len(data[:at.value].decode("utf-8", "surrogateescape"))
+    return len(_text(data[:at.value]))
 
 
 def find(text: Text, sought: Text) -> int:

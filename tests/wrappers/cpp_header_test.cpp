@@ -118,6 +118,29 @@ TEST(CppPattern, IsMovedAndNotCopied) {
     EXPECT_EQ(first.find("abb")[1], "bb");
 }
 
+TEST(CppHeader, WhatIsLeftOfAMovedValueIsEmptyAndSaysSo) {
+    static_assert(!std::is_copy_constructible_v<tav::PatternSet>, "the block of a set points into itself");
+    tav::Pattern pattern("a");
+    tav::Template first("<$&>");
+    tav::Template second(std::move(first));
+    EXPECT_FALSE(first); // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(pattern.replaceAll("", first).error().status, tavStsBadContext);
+    EXPECT_EQ(pattern.replaceAll("a", first).error().status, tavStsBadContext);
+    EXPECT_EQ(*pattern.replaceAll("ba", second), "b<a>");
+
+    tav::Matches all = pattern.matches("aaa");
+    const tav::Matches moved(std::move(all));
+    EXPECT_EQ(moved.size(), 3U);
+    EXPECT_TRUE(all.empty()); // NOLINT(bugprone-use-after-move)
+
+    tav::PatternSet set(2);
+    ASSERT_FALSE(set.add(pattern, 7));
+    tav::PatternSet other(std::move(set));
+    EXPECT_FALSE(set); // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(set.find("a").error().status, tavStsBadContext);
+    EXPECT_EQ(other.find("a")->size(), 1U);
+}
+
 TEST(CppPattern, UsesRoomOfTheCallers) {
     static tav::PatternRoom<8> room;
     tav::Pattern pattern("a(b+)cd", "", room);

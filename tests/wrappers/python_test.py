@@ -1,5 +1,6 @@
 """The Python module against the built library (TAVCH_LIBRARY) and the header (argument 1)."""
 
+import gc
 import re
 import sys
 import threading
@@ -126,6 +127,24 @@ class Patterns(unittest.TestCase):
 
 
 class Strings(unittest.TestCase):
+    def test_a_set_keeps_the_patterns_of_its_slots(self):
+        patterns = tavch.PatternSet(2)
+        patterns.add(tavch.Pattern("a"), 1)
+        patterns.add(tavch.Pattern("b"), 1)
+        patterns.remove(1)
+        patterns.add(tavch.Pattern("c"), 1)
+        patterns.remove(1)
+        gc.collect()
+        self.assertEqual(patterns.find("c"), {})
+        self.assertEqual(list(patterns.find("b")), [1])
+
+    def test_lone_surrogates_come_back_as_they_were(self):
+        self.assertEqual(tavch.Pattern("x").replace("a\ud800x", "y"), "a\ud800y")
+        self.assertEqual(tavch.Pattern("x").find("a\udc80x").start(), 2)
+
+    def test_a_great_count_of_replacements_costs_nothing(self):
+        self.assertEqual(tavch.Pattern("a").replace("aaa", "b", count=2**31 - 1), "bbb")
+
     def test_searches(self):
         self.assertEqual((tavch.find("b\u00e4nana", "an"), tavch.rfind("banana", "an")), (3, 3))
         self.assertEqual(tavch.find(b"banana", b""), -1)
