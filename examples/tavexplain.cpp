@@ -300,6 +300,19 @@ void explainSearch(tav::Pattern& pattern, std::string_view subject, std::int32_t
         std::puts("  more levels would not change that");
 }
 
+/// The line of a pattern that an offset is in, and a caret below: a column for each character, tabs as they
+/// are.
+void printPlace(const std::string& text, std::size_t offset) {
+    const std::size_t begin = offset == 0 ? 0 : text.rfind('\n', offset - 1) + 1;
+    const std::string line = text.substr(begin, text.find('\n', offset) - begin);
+    std::string indent;
+    for (const char c : text.substr(begin, offset - begin)) {
+        const bool continues = (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
+        if (!continues) indent += c == '\t' ? '\t' : ' ';
+    }
+    std::printf("  %s\n  %s^\n", line.c_str(), indent.c_str());
+}
+
 int explain(const std::string& text, const std::string& options, std::int32_t limit,
             const std::string* subject) {
     tav::Pattern pattern(text, options);
@@ -308,9 +321,7 @@ int explain(const std::string& text, const std::string& options, std::int32_t li
         std::printf("error %s (%d) at byte %d: %s\n", std::string(error.name()).c_str(),
                     static_cast<int>(error.status), static_cast<int>(error.offset),
                     std::string(error.text()).c_str());
-        if (error.status != tavStsBadOption)
-            std::printf("  %s\n  %s^\n", text.c_str(),
-                        std::string(static_cast<std::size_t>(error.offset), ' ').c_str());
+        if (error.status != tavStsBadOption) printPlace(text, static_cast<std::size_t>(error.offset));
         return 2;
     }
     const tavRegExpContext& context = *pattern.context();
@@ -322,6 +333,7 @@ int explain(const std::string& text, const std::string& options, std::int32_t li
     printProgram(code, context.codeLength);
     printHints(context, code);
     printWarnings(code, context.codeLength);
+    std::fflush(stdout); // What has been said is to be read while a slow search goes on.
     if (subject) explainSearch(pattern, *subject, limit);
     return 0;
 }

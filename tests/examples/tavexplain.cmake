@@ -13,6 +13,8 @@ explain(-l 20 "(?:ab)*$" "abababababababababababababab")
 explain("(?:a+)+b")
 explain("(?:(a+)+\\1)+b")
 explain("abc(")
+explain("(?x) a\n\tb(\n c")
+explain("x\n\t)")
 explain(-o q "abc")
 
 if(WRITE)
